@@ -1,0 +1,37 @@
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSButton.h>
+#include <AppKit/NSControl.h>
+#include <AppKit/NSImage.h>
+#include <AppKit/NSResponder.h>
+#include <AppKit/NSTextField.h>
+#include <AppKit/NSView.h>
+#include <AppKit/NSWindow.h>
+#include <Foundation/NSBundle.h>
+#include <ZRUIKit/BaseSliderView.h>
+#include <ZRUIKit/SliderSelectionItem.h>
+#include <ZRUIKit/SplitSliderView.h>
+
+#include <array>
+
+namespace zr {
+
+std::span<const ClassTable* const> kitClassTables() {
+    static const std::array tables = {
+        &NSObject::classTable(),
+        &NSBundle::classTable(),
+        &NSResponder::classTable(),
+        &NSApplication::classTable(),
+        &NSImage::classTable(),
+        &NSView::classTable(),
+        &NSControl::classTable(),
+        &NSButton::classTable(),
+        &NSTextField::classTable(),
+        &NSWindow::classTable(),
+        &SliderSelectionItem::classTable(),
+        &BaseSliderView::classTable(),
+        &SplitSliderView::classTable(),
+    };
+    return tables;
+}
+
+} // namespace zr

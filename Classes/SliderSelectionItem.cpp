@@ -1,0 +1,7 @@
+#include <ZRUIKit/SliderSelectionItem.h>
+
+namespace zr {
+
+ZR_CLASS_TABLE(SliderSelectionItem)
+
+} // namespace zr

@@ -1,0 +1,70 @@
+#include <AppKit/NSButton.h>
+#include <AppKit/NSStringDrawing.h>
+#include <WindowSystem/WindowSystem.h>
+
+#include <cmath>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSButton, .actions = {actionNamed<&NSButton::performClick>("performClick:")},
+               .attributes = {attributeNamed<&NSButton::setTitle>("title")})
+
+struct NSButton::Client final : port::ButtonClient {
+    explicit Client(NSButton& owner) : button(owner) {}
+    void peerPressed() override { button.performClick(nullptr); }
+    NSButton& button;
+};
+
+NSButton::NSButton() = default;
+NSButton::~NSButton() = default;
+
+std::shared_ptr<NSButton> NSButton::buttonWithTitle_target_action(const std::string& title,
+                                                                  const std::shared_ptr<NSObject>& target,
+                                                                  const SEL& action) {
+    auto button = make<NSButton>();
+    button->setTitle(title);
+    button->setTarget(target);
+    button->setAction(action);
+    button->sizeToFit();
+    return button;
+}
+
+void NSButton::setTitle(const std::string& title) {
+    title_ = title;
+    setNeedsDisplay(true);
+    if (button_) button_->setTitle(title);
+}
+
+void NSButton::setEnabled(bool enabled) {
+    NSControl::setEnabled(enabled);
+    if (button_) button_->setEnabled(enabled);
+}
+
+void NSButton::performClick(NSObject*) {
+    if (!isEnabled()) return;
+    const auto held = retained(this);
+    const auto heldTarget = retained(target());
+    sendAction_to(action(), heldTarget.get());
+}
+
+void NSButton::sizeToFit() {
+    if (button_) {
+        setFrameSize(button_->naturalSize());
+        return;
+    }
+    constexpr double kPaddingX = 32, kPaddingY = 14;
+    const NSSize text = sizeWithAttributes(title_, {font(), NSColor::labelColor()});
+    setFrameSize({std::ceil(text.width) + kPaddingX, std::ceil(text.height) + kPaddingY});
+}
+
+std::unique_ptr<port::ViewPeer> NSButton::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
+                                                   port::ViewClient& client) {
+    if (!buttonClient_) buttonClient_ = std::make_unique<Client>(*this);
+    auto peer = factory.makeButton(parent, client, *buttonClient_);
+    button_ = peer.get();
+    button_->setTitle(title_);
+    button_->setEnabled(isEnabled());
+    return peer;
+}
+
+} // namespace zr

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <AppKit/NSControl.h>
+
+#include <string>
+
+namespace zr {
+
+namespace port {
+class ButtonPeer;
+}
+
+// A push button, the window system's own. A click, or the keyboard, sends the action to the target.
+class NSButton : public NSControl {
+public:
+    ZR_CLASS(NSButton, NSControl)
+    NSButton();
+    ~NSButton() override;
+
+    static std::shared_ptr<NSButton> buttonWithTitle_target_action(const std::string& title,
+                                                                   const std::shared_ptr<NSObject>& target,
+                                                                   const SEL& action);
+
+    const std::string& title() const { return title_; }
+    void setTitle(const std::string& title);
+    void setEnabled(bool enabled) override;
+    bool acceptsFirstResponder() const override { return isEnabled(); }
+    // As if the user had clicked it; does nothing while the button is switched off. An action too: "performClick:".
+    void performClick(NSObject* sender);
+    // The window system's size for the title; without a window, a size from the measure of the text.
+    void sizeToFit() override;
+
+protected:
+    std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
+                                             port::ViewClient& client) override;
+    void peerWillGo() override { button_ = nullptr; }
+
+private:
+    struct Client;
+
+    std::string title_;
+    std::unique_ptr<Client> buttonClient_;
+    port::ButtonPeer* button_ = nullptr; // the peer, as what it is
+};
+
+} // namespace zr

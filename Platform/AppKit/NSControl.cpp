@@ -1,0 +1,39 @@
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSControl.h>
+#include <Foundation/NSCoder.h>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSControl, .outlets = {outletNamed<&NSControl::setTarget>("target")},
+               .attributes = {attributeNamed<&NSControl::setEnabled>("enabled")})
+
+bool NSControl::initWithCoder(NSCoder& coder) {
+    if (!NSView::initWithCoder(coder)) return false;
+    enabled_ = coder.decodeBoolForKey("NSEnabled").value_or(true);
+    return true;
+}
+
+void NSControl::setEnabled(bool enabled) {
+    enabled_ = enabled;
+    setNeedsDisplay(true);
+}
+
+void NSControl::setTarget(const std::shared_ptr<NSObject>& target) {
+    target_ = target;
+    hasTarget_ = target != nullptr;
+}
+
+bool NSControl::sendAction_to(const SEL& action, NSObject* target) {
+    if (action.empty()) return false;
+    // A target that is gone takes nothing, and the chain is not asked in its place.
+    if (!target && hasTarget_) return false;
+    const auto held = retained(this);
+    return NSApplication::sharedApplication().sendAction_to_from(action, target, this);
+}
+
+void NSControl::setFont(const NSFont& font) {
+    font_ = font;
+    setNeedsDisplay(true);
+}
+
+} // namespace zr

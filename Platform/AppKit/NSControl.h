@@ -1,0 +1,38 @@
+#pragma once
+
+#include <AppKit/NSFont.h>
+#include <AppKit/NSView.h>
+
+namespace zr {
+
+// A view that the user operates. It can be switched off, and sends its action to its target.
+class NSControl : public NSView {
+public:
+    ZR_CLASS(NSControl, NSView)
+
+    bool initWithCoder(NSCoder& coder) override;
+
+    bool isEnabled() const { return enabled_; }
+    virtual void setEnabled(bool enabled); // asks for drawing
+
+    // Not retained. Without a target the action goes along the responder chain; without an action nothing is sent.
+    NSObject* target() const { return target_.lock().get(); }
+    void setTarget(const std::shared_ptr<NSObject>& target);
+    const SEL& action() const { return action_; }
+    void setAction(const SEL& action) { action_ = action; }
+    bool sendAction_to(const SEL& action, NSObject* target);
+
+    const NSFont& font() const { return font_; }
+    virtual void setFont(const NSFont& font); // asks for drawing
+    // Takes the size that its contents need.
+    virtual void sizeToFit() {}
+
+private:
+    std::weak_ptr<NSObject> target_;
+    SEL action_;
+    NSFont font_ = NSFont::systemFontOfSize(0);
+    bool enabled_ = true;
+    bool hasTarget_ = false;
+};
+
+} // namespace zr

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <Base/Font.h>
+
+namespace zr {
+
+// A font. A value; sizes in points, 0 means the standard size.
+class NSFont {
+public:
+    static constexpr double systemFontSize() { return 13; }
+    static constexpr double smallSystemFontSize() { return 11; }
+
+    static NSFont systemFontOfSize(double size);
+    static NSFont boldSystemFontOfSize(double size);
+    // Digits of equal width, for numbers that change in place.
+    static NSFont monospacedDigitSystemFontOfSize(double size);
+
+    double pointSize() const { return description_.size; }
+    const FontDescription& description() const { return description_; }
+    bool operator==(const NSFont&) const = default;
+
+private:
+    explicit NSFont(FontDescription description) : description_(std::move(description)) {}
+
+    FontDescription description_;
+};
+
+} // namespace zr

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <Base/Colour.h>
+#include <Base/Compositing.h>
+#include <Base/Geometry.h>
+#include <Base/Path.h>
+
+#include <vector>
+
+namespace zr {
+
+namespace port {
+class Canvas;
+}
+
+// Where drawing goes at the moment: made for a drawing pass, current until it is destroyed. Its state is a colour and a
+// clip. Outside of a pass there is none, and drawing does nothing.
+class NSGraphicsContext {
+public:
+    explicit NSGraphicsContext(port::Canvas& canvas);
+    ~NSGraphicsContext();
+    NSGraphicsContext(const NSGraphicsContext&) = delete;
+    NSGraphicsContext& operator=(const NSGraphicsContext&) = delete;
+
+    static NSGraphicsContext* currentContext();
+
+    void saveGraphicsState();
+    void restoreGraphicsState(); // ignored where nothing was saved
+    // The class's own, for the current context.
+    static void saveGraphicsState_();
+    static void restoreGraphicsState_();
+
+    const Colour& colour() const { return states_.back(); }
+    void setColour(const Colour& colour) { states_.back() = colour; }
+    port::Canvas& canvas() { return canvas_; }
+
+private:
+    port::Canvas& canvas_;
+    NSGraphicsContext* outer_;
+    std::vector<Colour> states_;
+};
+
+// Fills with the current colour, replacing what was there, its alpha included.
+void NSRectFill(const NSRect& rect);
+void NSRectFillUsingOperation(const NSRect& rect, NSCompositingOperation operation);
+
+} // namespace zr

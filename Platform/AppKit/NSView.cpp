@@ -1,0 +1,299 @@
+#include "Installation.h"
+
+#include <AppKit/NSGraphicsContext.h>
+#include <AppKit/NSView.h>
+#include <AppKit/NSWindow.h>
+#include <Foundation/NSCoder.h>
+
+#include <algorithm>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSView)
+
+struct NSView::Client final : port::ViewClient {
+    explicit Client(NSView& owner) : view(owner) {}
+
+    void peerDraw(port::Canvas& canvas, const CGRect& dirty) override {
+        NSRect own = dirty;
+        if (!view.isFlipped()) own.origin.y = view.frame_.size.height - NSMaxY(dirty);
+        view.displayInCanvas(canvas, NSIntersectionRect(own, view.bounds()));
+    }
+    bool peerDrawsUpwards() const override { return !view.isFlipped(); }
+    void peerFocusChanged(bool focused) override {
+        const auto held = retained(&view);
+        if (focused && view.window_ && view.acceptsFirstResponder()) view.window_->peerFocused(view);
+    }
+    void peerGone() override { view.unrealise(); }
+
+    NSView& view;
+};
+
+NSView::NSView() = default;
+NSView::~NSView() {
+    for (const auto& subview : subviews_) {
+        subview->superview_ = nullptr;
+        subview->moveToWindow(nullptr);
+    }
+}
+
+bool NSView::initWithFrame(const NSRect& frame) {
+    if (!NSResponder::init()) return false;
+    frame_ = frame;
+    return true;
+}
+
+bool NSView::initWithCoder(NSCoder& coder) {
+    frame_ = coder.decodeRectForKey("NSFrame").value_or(NSZeroRect);
+    autoresizingMask_ =
+        static_cast<unsigned>(coder.decodeDoubleForKey("NSAutoresizingMask").value_or(NSViewNotSizable));
+    return true;
+}
+
+void NSView::setFrame(const NSRect& frame) {
+    const NSSize oldSize = frame_.size;
+    if (frame == frame_) return;
+    frame_ = frame;
+    placePeer();
+    if (frame.size == oldSize) return;
+    // Peers hang from the top: those of an unflipped view move with its height although no frame changed.
+    if (!isFlipped() && frame.size.height != oldSize.height)
+        for (const auto& subview : subviews_) subview->placePeer();
+    resizeSubviewsWithOldSize(oldSize);
+    setNeedsLayout(true);
+    setNeedsDisplay(true);
+}
+
+void NSView::addSubview(const std::shared_ptr<NSView>& view) {
+    if (!view || isDescendantOf(*view)) return;
+    if (view->superview_ == this) {
+        const auto held = view;
+        std::erase(subviews_, held);
+        subviews_.push_back(held);
+        if (view->peer_) view->peer_->raise();
+        return;
+    }
+    const auto held = view;
+    view->removeFromSuperview();
+    subviews_.push_back(held);
+    view->superview_ = this;
+    view->setNextResponder(this);
+    view->moveToWindow(window_);
+    if (peer_) view->realise(installation()->windowSystem, *peer_);
+    setNeedsLayout(true);
+    view->setNeedsLayout(view->needsLayout_);
+    view->setNeedsDisplay(true);
+}
+
+void NSView::removeFromSuperview() {
+    if (!superview_) return;
+    const auto held = retained(this);
+    NSView* const superview = superview_;
+    if (window_) window_->viewWillLeave(*this);
+    unrealise();
+    superview_ = nullptr;
+    setNextResponder(nullptr);
+    std::erase_if(superview->subviews_, [&](const auto& subview) { return subview.get() == this; });
+    moveToWindow(nullptr);
+    superview->setNeedsDisplay(true);
+}
+
+void NSView::moveToWindow(NSWindow* window) {
+    if (window == window_) return;
+    window_ = window;
+    viewDidMoveToWindow();
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->moveToWindow(window);
+}
+
+bool NSView::isDescendantOf(const NSView& view) const {
+    for (const NSView* current = this; current; current = current->superview_)
+        if (current == &view) return true;
+    return false;
+}
+
+void NSView::setHidden(bool hidden) {
+    if (hidden == hidden_) return;
+    hidden_ = hidden;
+    if (hidden && window_) window_->viewWillLeave(*this);
+    if (peer_) peer_->setHidden(hidden);
+    if (!hidden) setNeedsDisplay(true);
+}
+
+bool NSView::isHiddenOrHasHiddenAncestor() const {
+    for (const NSView* current = this; current; current = current->superview_)
+        if (current->hidden_) return true;
+    return false;
+}
+
+void NSView::resizeSubviewsWithOldSize(const NSSize& oldSize) {
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->resizeWithOldSuperviewSize(oldSize);
+}
+
+namespace {
+
+// The change along one axis is shared by the flexible parts in proportion to their sizes.
+void resizeAxis(double& origin, double& size, double oldWhole, double newWhole, bool minFlexible,
+                bool sizeFlexible, bool maxFlexible) {
+    const double change = newWhole - oldWhole;
+    const double maxMargin = oldWhole - (origin + size);
+    double flexible = (minFlexible ? origin : 0) + (sizeFlexible ? size : 0) + (maxFlexible ? maxMargin : 0);
+    const int parts = int{minFlexible} + int{sizeFlexible} + int{maxFlexible};
+    if (parts == 0) return;
+    // Parts of no size share evenly, else the change would be lost.
+    const auto share = [&](double part) { return flexible != 0 ? change * part / flexible : change / parts; };
+    const double newOrigin = minFlexible ? origin + share(origin) : origin;
+    const double newSize = sizeFlexible ? size + share(size) : size;
+    origin = newOrigin;
+    size = newSize;
+}
+
+} // namespace
+
+void NSView::resizeWithOldSuperviewSize(const NSSize& oldSize) {
+    if (!superview_) return;
+    const NSSize newSize = superview_->frame_.size;
+    const auto has = [this](unsigned bit) { return (autoresizingMask_ & bit) != 0; };
+    NSRect frame = frame_;
+    resizeAxis(frame.origin.x, frame.size.width, oldSize.width, newSize.width, has(NSViewMinXMargin),
+               has(NSViewWidthSizable), has(NSViewMaxXMargin));
+    resizeAxis(frame.origin.y, frame.size.height, oldSize.height, newSize.height, has(NSViewMinYMargin),
+               has(NSViewHeightSizable), has(NSViewMaxYMargin));
+    setFrame(frame);
+}
+
+NSPoint NSView::pointToWindow(NSPoint point) const {
+    for (const NSView* view = this; view; view = view->superview_) {
+        if (view->isFlipped() != view->superviewIsFlipped()) point.y = view->frame_.size.height - point.y;
+        point.x += view->frame_.origin.x;
+        point.y += view->frame_.origin.y;
+    }
+    return point;
+}
+
+NSPoint NSView::pointFromWindow(NSPoint point) const {
+    if (superview_) point = superview_->pointFromWindow(point);
+    point.x -= frame_.origin.x;
+    point.y -= frame_.origin.y;
+    if (isFlipped() != superviewIsFlipped()) point.y = frame_.size.height - point.y;
+    return point;
+}
+
+NSPoint NSView::convertPoint_fromView(const NSPoint& point, const NSView* view) const {
+    return pointFromWindow(view ? view->pointToWindow(point) : point);
+}
+
+NSPoint NSView::convertPoint_toView(const NSPoint& point, const NSView* view) const {
+    const NSPoint inWindow = pointToWindow(point);
+    return view ? view->pointFromWindow(inWindow) : inWindow;
+}
+
+namespace {
+NSRect rectAround(const NSPoint& a, const NSPoint& b) {
+    return {{std::min(a.x, b.x), std::min(a.y, b.y)},
+            {std::max(a.x, b.x) - std::min(a.x, b.x), std::max(a.y, b.y) - std::min(a.y, b.y)}};
+}
+} // namespace
+
+NSRect NSView::convertRect_fromView(const NSRect& rect, const NSView* view) const {
+    return rectAround(convertPoint_fromView(rect.origin, view),
+                      convertPoint_fromView({NSMaxX(rect), NSMaxY(rect)}, view));
+}
+
+NSRect NSView::convertRect_toView(const NSRect& rect, const NSView* view) const {
+    return rectAround(convertPoint_toView(rect.origin, view),
+                      convertPoint_toView({NSMaxX(rect), NSMaxY(rect)}, view));
+}
+
+NSView* NSView::hitTest(const NSPoint& point) {
+    if (hidden_) return nullptr;
+    NSPoint own = {point.x - frame_.origin.x, point.y - frame_.origin.y};
+    if (isFlipped() != superviewIsFlipped()) own.y = frame_.size.height - own.y;
+    if (!NSMouseInRect(own, bounds(), isFlipped())) return nullptr;
+    for (std::size_t i = subviews_.size(); i-- > 0;)
+        if (NSView* const hit = subviews_[i]->hitTest(own)) return hit;
+    return this;
+}
+
+void NSView::setNeedsDisplay(bool flag) {
+    needsDisplay_ = flag;
+    if (flag && peer_) peer_->invalidate();
+}
+
+void NSView::drawRect(const NSRect&) {}
+
+void NSView::displayInCanvas(port::Canvas& canvas, const NSRect& dirty) {
+    const auto held = retained(this);
+    needsDisplay_ = false;
+    NSGraphicsContext context(canvas);
+    drawRect(dirty);
+}
+
+void NSView::setNeedsLayout(bool flag) {
+    needsLayout_ = flag;
+    if (flag && window_) window_->scheduleUpdate();
+}
+
+void NSView::layoutSubtreeIfNeeded() {
+    const auto held = retained(this);
+    if (needsLayout_) {
+        needsLayout_ = false;
+        layout();
+    }
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->layoutSubtreeIfNeeded();
+}
+
+void NSView::setIdentifier(const std::string& identifier) {
+    identifier_ = identifier;
+    if (peer_) peer_->setName(identifier);
+}
+
+std::unique_ptr<port::ViewPeer> NSView::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
+                                                 port::ViewClient& client) {
+    return factory.makeView(parent, client);
+}
+
+void NSView::realise(port::PeerFactory& factory, port::ViewPeer& parent) {
+    if (!client_) client_ = std::make_unique<Client>(*this);
+    adoptPeer(factory, makePeer(factory, parent, *client_));
+}
+
+void NSView::realiseAsContent(port::PeerFactory& factory, port::WindowPeer& window) {
+    if (!client_) client_ = std::make_unique<Client>(*this);
+    adoptPeer(factory, factory.makeContentView(window, *client_));
+}
+
+void NSView::adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPeer> peer) {
+    peer_ = std::move(peer);
+    peer_->setName(identifier_.empty() ? std::string(class_().name) : identifier_);
+    placePeer();
+    if (hidden_) peer_->setHidden(true);
+    for (const auto& subview : subviews_) subview->realise(factory, *peer_);
+}
+
+void NSView::unrealise() {
+    if (!peer_) return;
+    for (const auto& subview : subviews_) subview->unrealise();
+    peerWillGo();
+    peer_.reset();
+}
+
+// Where y is turned over for frames.
+void NSView::placePeer() {
+    if (!peer_ || !superview_) return;
+    NSRect frame = frame_;
+    if (!superview_->isFlipped()) frame.origin.y = superview_->frame_.size.height - NSMaxY(frame_);
+    peer_->setFrame(frame);
+}
+
+void NSView::appearanceChanged() {
+    const auto held = retained(this);
+    viewDidChangeEffectiveAppearance();
+    setNeedsDisplay(true);
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->appearanceChanged();
+}
+
+} // namespace zr

@@ -1,0 +1,318 @@
+#include "Installation.h"
+
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSScreen.h>
+#include <AppKit/NSView.h>
+#include <AppKit/NSWindow.h>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("performClose:")})
+
+struct NSWindow::Client final : port::WindowClient {
+    explicit Client(NSWindow& owner) : window(owner) {}
+
+    bool peerEvent(const InputEvent& event) override {
+        const auto held = retained(&window);
+        auto& taken = installation()->eventWasTaken;
+        const bool outer = std::exchange(taken, true);
+        window.sendEvent(NSEvent(event, window.contentSize_.height));
+        // The platform may have gone in the meantime.
+        auto* installed = installation();
+        return !installed || std::exchange(installed->eventWasTaken, outer);
+    }
+    void peerContentResized(CGSize size) override {
+        const auto held = retained(&window);
+        window.contentResized(size);
+    }
+    void peerUpdate() override {
+        const auto held = retained(&window);
+        window.update();
+    }
+    bool peerShouldClose() override {
+        const auto held = retained(&window);
+        return window.shouldClose();
+    }
+    void peerClosed() override {
+        const auto held = retained(&window);
+        window.close();
+    }
+    void peerKeyChanged(bool key) override {
+        const auto held = retained(&window);
+        window.keyChanged(key);
+    }
+    void peerMoved() override {
+        const auto held = retained(&window);
+        if (const auto delegate = window.delegate()) delegate->windowDidMove(window);
+    }
+    void peerGone() override {
+        const auto held = retained(&window);
+        window.close();
+    }
+
+    NSWindow& window;
+};
+
+NSWindow::NSWindow() = default;
+NSWindow::~NSWindow() = default;
+
+bool NSWindow::initWithContentRect_styleMask_backing_defer(const NSRect& contentRect, unsigned styleMask,
+                                                           NSBackingStoreType, bool) {
+    contentSize_ = contentRect.size;
+    styleMask_ = styleMask;
+    setContentView(nullptr);
+    return true;
+}
+
+void NSWindow::dealloc() {
+    unrealise();
+    if (contentView_) contentView_->moveToWindow(nullptr);
+    NSResponder::dealloc();
+}
+
+void NSWindow::setTitle(const std::string& title) {
+    title_ = title;
+    if (peer_) peer_->setTitle(title);
+}
+
+void NSWindow::setContentView(const std::shared_ptr<NSView>& view) {
+    const auto old = contentView_;
+    if (view && view == old) return;
+    const auto next = view ? view : make<NSView>(NSRect{});
+    next->removeFromSuperview();
+    if (old) {
+        viewWillLeave(*old);
+        old->unrealise();
+        old->setNextResponder(nullptr);
+        old->moveToWindow(nullptr);
+    }
+    contentView_ = next;
+    next->setNextResponder(this);
+    next->setFrame({NSZeroPoint, contentSize_});
+    next->moveToWindow(this);
+    if (peer_) next->realiseAsContent(installation()->windowSystem, *peer_);
+    next->setNeedsLayout(true);
+    next->setNeedsDisplay(true);
+}
+
+void NSWindow::setContentSize(const NSSize& size) {
+    if (peer_) peer_->setContentSize(size);
+    contentResized(size);
+}
+
+void NSWindow::setContentMinSize(const NSSize& size) {
+    contentMinSize_ = size;
+    if (peer_) peer_->setContentLimits(contentMinSize_, contentMaxSize_);
+}
+
+void NSWindow::setContentMaxSize(const NSSize& size) {
+    contentMaxSize_ = size;
+    if (peer_) peer_->setContentLimits(contentMinSize_, contentMaxSize_);
+}
+
+void NSWindow::contentResized(const NSSize& size) {
+    if (size == contentSize_) return;
+    contentSize_ = size;
+    contentView_->setFrame({NSZeroPoint, size});
+    update();
+    if (const auto delegate = this->delegate()) delegate->windowDidResize(*this);
+}
+
+void NSWindow::realise() {
+    auto& system = installation()->windowSystem;
+    client_ = std::make_unique<Client>(*this);
+    peer_ = system.makeWindow(*client_, contentSize_, (styleMask_ & NSWindowStyleMaskResizable) != 0);
+    peer_->setTitle(title_);
+    peer_->setContentLimits(contentMinSize_, contentMaxSize_);
+    contentView_->realiseAsContent(system, *peer_);
+}
+
+void NSWindow::unrealise() {
+    if (!peer_) return;
+    contentView_->unrealise();
+    peer_.reset();
+    updateScheduled_ = false;
+}
+
+void NSWindow::show(bool activate) {
+    if (!installation()) return;
+    NSApplication::sharedApplication().windowWasShown(*this);
+    // Lay out first, realise late: no view is ever seen at a wrong place.
+    contentView_->layoutSubtreeIfNeeded();
+    if (!peer_) realise();
+    visible_ = true;
+    peer_->show(activate);
+}
+
+void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
+void NSWindow::orderFront(NSObject*) { show(false); }
+
+void NSWindow::orderOut(NSObject*) {
+    visible_ = false;
+    if (peer_) peer_->hide();
+}
+
+void NSWindow::performClose(NSObject*) {
+    if (shouldClose()) close();
+}
+
+bool NSWindow::shouldClose() {
+    const auto held = retained(this);
+    const auto delegate = this->delegate();
+    return !delegate || delegate->windowShouldClose(*this).value_or(true);
+}
+
+void NSWindow::close() {
+    if (!visible_ && !peer_) return;
+    const auto held = retained(this);
+    if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
+    visible_ = false;
+    keyChanged(false);
+    unrealise();
+    if (installation()) NSApplication::sharedApplication().windowWasClosed(*this);
+}
+
+NSResponder* NSWindow::firstResponder() const {
+    const auto first = firstResponder_.lock();
+    return first ? first.get() : const_cast<NSWindow*>(this);
+}
+
+bool NSWindow::makeFirstResponder(NSResponder* responder) {
+    const auto held = retained(responder);
+    const auto old = retained(firstResponder());
+    NSResponder* const wanted = responder ? responder : this;
+    if (wanted == old.get()) return true;
+    if (old && old.get() != this && !old->resignFirstResponder()) return false;
+    const bool taken = wanted != this && wanted->becomeFirstResponder();
+    firstResponder_ = taken ? retained(wanted) : nullptr;
+    auto* const view = dynamic_cast<NSView*>(taken ? wanted : static_cast<NSResponder*>(contentView_.get()));
+    if (view && view->peer_) view->peer_->focus();
+    return true;
+}
+
+void NSWindow::peerFocused(NSView& view) {
+    const auto now = firstResponder();
+    if (now != &view) makeFirstResponder(&view);
+}
+
+void NSWindow::viewWillLeave(NSView& view) {
+    auto* const first = dynamic_cast<NSView*>(firstResponder());
+    if (first && first->isDescendantOf(view)) makeFirstResponder(nullptr);
+    for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) {
+        const auto pressedView = pressed->lock();
+        if (pressedView && pressedView->isDescendantOf(view)) pressed->reset();
+    }
+}
+
+NSView* NSWindow::viewAt(const NSPoint& point) const { return contentView_->hitTest(point); }
+
+void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) {
+    using Message = void (NSResponder::*)(const NSEvent&);
+    Message message = nullptr;
+    bool press = false;
+    switch (event.type()) {
+    case NSEventTypeLeftMouseDown:
+        press = true, message = &NSResponder::mouseDown;
+        break;
+    case NSEventTypeLeftMouseDragged:
+        message = &NSResponder::mouseDragged;
+        break;
+    case NSEventTypeLeftMouseUp:
+        message = &NSResponder::mouseUp;
+        break;
+    case NSEventTypeRightMouseDown:
+        press = true, message = &NSResponder::rightMouseDown;
+        break;
+    case NSEventTypeRightMouseDragged:
+        message = &NSResponder::rightMouseDragged;
+        break;
+    case NSEventTypeRightMouseUp:
+        message = &NSResponder::rightMouseUp;
+        break;
+    case NSEventTypeOtherMouseDown:
+        press = true, message = &NSResponder::otherMouseDown;
+        break;
+    case NSEventTypeOtherMouseDragged:
+        message = &NSResponder::otherMouseDragged;
+        break;
+    default:
+        message = &NSResponder::otherMouseUp;
+        break;
+    }
+    if (press) pressed = retained(viewAt(event.locationInWindow()));
+    const auto view = pressed.lock();
+    if (!press && (message == static_cast<Message>(&NSResponder::mouseUp) ||
+                   message == static_cast<Message>(&NSResponder::rightMouseUp) ||
+                   message == static_cast<Message>(&NSResponder::otherMouseUp)))
+        pressed.reset();
+    if (!view) return;
+    const bool takesFocus = event.type() == NSEventTypeLeftMouseDown && view->acceptsFirstResponder();
+    if (takesFocus && view.get() != firstResponder() && !makeFirstResponder(view.get())) return;
+    (view.get()->*message)(event);
+}
+
+void NSWindow::sendEvent(const NSEvent& event) {
+    switch (event.type()) {
+    case NSEventTypeLeftMouseDown:
+    case NSEventTypeLeftMouseDragged:
+    case NSEventTypeLeftMouseUp:
+        mouseEvent(event, leftPressed_);
+        break;
+    case NSEventTypeRightMouseDown:
+    case NSEventTypeRightMouseDragged:
+    case NSEventTypeRightMouseUp:
+        mouseEvent(event, rightPressed_);
+        break;
+    case NSEventTypeOtherMouseDown:
+    case NSEventTypeOtherMouseDragged:
+    case NSEventTypeOtherMouseUp:
+        mouseEvent(event, otherPressed_);
+        break;
+    case NSEventTypeScrollWheel:
+        if (const auto view = retained(viewAt(event.locationInWindow()))) view->scrollWheel(event);
+        break;
+    case NSEventTypeKeyDown:
+        if (const auto first = retained(firstResponder())) first->keyDown(event);
+        break;
+    case NSEventTypeKeyUp:
+        if (const auto first = retained(firstResponder())) first->keyUp(event);
+        break;
+    case NSEventTypeMouseMoved:
+        break;
+    }
+}
+
+void NSWindow::scheduleUpdate() {
+    if (updateScheduled_ || !peer_) return;
+    updateScheduled_ = true;
+    peer_->scheduleUpdate();
+}
+
+void NSWindow::update() {
+    updateScheduled_ = false;
+    contentView_->layoutSubtreeIfNeeded();
+}
+
+void NSWindow::keyChanged(bool key) {
+    if (key == key_) return;
+    key_ = key;
+    const auto delegate = this->delegate();
+    if (!delegate) return;
+    if (key)
+        delegate->windowDidBecomeKey(*this);
+    else
+        delegate->windowDidResignKey(*this);
+}
+
+void NSWindow::appearanceChanged() { contentView_->appearanceChanged(); }
+
+NSRect NSWindow::convertRectToScreen(const NSRect& rect) const {
+    if (!peer_) return rect;
+    const NSPoint origin = peer_->contentOriginOnScreen();
+    const double bottom = NSScreen::mainScreen().frame().size.height - (origin.y + contentSize_.height);
+    return NSOffsetRect(rect, origin.x, bottom);
+}
+
+double NSWindow::backingScaleFactor() const { return peer_ ? peer_->backingScale() : 1; }
+
+} // namespace zr

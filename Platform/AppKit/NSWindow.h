@@ -1,0 +1,120 @@
+#pragma once
+
+#include <AppKit/NSResponder.h>
+#include <Base/Geometry.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace zr {
+
+class NSView;
+class NSWindow;
+
+namespace port {
+class WindowPeer;
+}
+
+enum NSWindowStyleMask : unsigned {
+    NSWindowStyleMaskTitled = 1,
+    NSWindowStyleMaskClosable = 2,
+    NSWindowStyleMaskMiniaturizable = 4,
+    NSWindowStyleMaskResizable = 8,
+};
+
+enum NSBackingStoreType { NSBackingStoreBuffered = 2 };
+
+class NSWindowDelegate {
+public:
+    virtual ~NSWindowDelegate() = default;
+    virtual std::optional<bool> windowShouldClose(NSWindow&) { return std::nullopt; } // nothing: it may
+    virtual void windowWillClose(NSWindow&) {}
+    virtual void windowDidResize(NSWindow&) {}
+    virtual void windowDidMove(NSWindow&) {}
+    virtual void windowDidBecomeKey(NSWindow&) {}
+    virtual void windowDidResignKey(NSWindow&) {}
+};
+
+// A window. Its content fills it; window coordinates have their origin at the lower left of the content. A window that
+// was shown is held by the application until it closes. It is realised, with all its views, when it is first shown, and
+// comes to be without a real window again when it closes. Main thread only.
+class NSWindow : public NSResponder {
+public:
+    ZR_CLASS(NSWindow, NSResponder)
+    NSWindow();
+    ~NSWindow() override;
+
+    // The content's size; where the window stands is up to the window system. `backing` and `defer` have no effect.
+    bool initWithContentRect_styleMask_backing_defer(const NSRect& contentRect, unsigned styleMask,
+                                                     NSBackingStoreType backing, bool defer);
+    void dealloc() override;
+
+    const std::string& title() const { return title_; }
+    void setTitle(const std::string& title);
+    NSView* contentView() const { return contentView_.get(); }
+    void setContentView(const std::shared_ptr<NSView>& view); // takes the content's size; nil: an empty view
+    std::shared_ptr<NSWindowDelegate> delegate() const { return delegate_.lock(); }
+    void setDelegate(std::weak_ptr<NSWindowDelegate> delegate) { delegate_ = std::move(delegate); }
+
+    const NSSize& contentSize() const { return contentSize_; }
+    void setContentSize(const NSSize& size);
+    // For resizing by the user.
+    void setContentMinSize(const NSSize& size);
+    void setContentMaxSize(const NSSize& size);
+
+    void makeKeyAndOrderFront(NSObject* sender);
+    void orderFront(NSObject* sender);
+    void orderOut(NSObject* sender);
+    void performClose(NSObject* sender); // asks the delegate; an action too: "performClose:"
+    void close();                        // does not ask
+    bool isVisible() const { return visible_; }
+    bool isKeyWindow() const { return key_; }
+
+    // The window itself at first. Answers false only where the one before did not resign.
+    NSResponder* firstResponder() const;
+    bool makeFirstResponder(NSResponder* responder);
+
+    void sendEvent(const NSEvent& event);
+
+    // Screen coordinates: points, y up, origin at the lower left of the primary screen. Zero origin while not realised.
+    NSRect convertRectToScreen(const NSRect& rect) const;
+    double backingScaleFactor() const; // device pixels for a point
+
+private:
+    friend class NSView;
+    friend struct Installation;
+    struct Client;
+
+    void realise();
+    void unrealise();
+    void show(bool activate);
+    void contentResized(const NSSize& size);
+    void scheduleUpdate();
+    void update();
+    bool shouldClose();
+    void keyChanged(bool key);
+    void peerFocused(NSView& view);
+    void viewWillLeave(NSView& view);
+    void appearanceChanged();
+    void mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed);
+    NSView* viewAt(const NSPoint& point) const;
+
+    std::string title_;
+    NSSize contentSize_;
+    NSSize contentMinSize_;
+    NSSize contentMaxSize_{16777215, 16777215};
+    std::shared_ptr<NSView> contentView_;
+    std::weak_ptr<NSWindowDelegate> delegate_;
+    std::weak_ptr<NSResponder> firstResponder_; // empty: the window
+    // The views that got the presses, and so get what follows until the release.
+    std::weak_ptr<NSView> leftPressed_, rightPressed_, otherPressed_;
+    std::unique_ptr<Client> client_;
+    std::unique_ptr<port::WindowPeer> peer_;
+    unsigned styleMask_ = 0;
+    bool visible_ = false;
+    bool key_ = false;
+    bool updateScheduled_ = false;
+};
+
+} // namespace zr

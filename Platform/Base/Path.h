@@ -1,0 +1,32 @@
+#pragma once
+
+#include <Base/Geometry.h>
+
+#include <array>
+#include <vector>
+
+namespace zr {
+
+enum class PathShape { elements, rectangle, roundedRectangle, oval };
+
+struct PathElement {
+    enum class Kind { move = 0, line = 1, curve = 2, close = 3 };
+    Kind kind = Kind::move;
+    // move and line use the first point; curve uses two control points and then the end point.
+    std::array<CGPoint, 3> points{};
+};
+
+// An outline. The simple shapes keep their parameters, so that a canvas can paint them directly; any other outline is a
+// list of elements. Coordinates are those of the view that draws.
+struct Path {
+    PathShape shape = PathShape::elements;
+    CGRect bounds;     // of rectangle, rounded rectangle and oval
+    double xRadius = 0; // of the corners of a rounded rectangle, at most half its width
+    double yRadius = 0; // likewise, at most half its height
+    std::vector<PathElement> elements{};
+};
+
+// The outline as elements, whatever its shape.
+std::vector<PathElement> elementsOf(const Path& path);
+
+} // namespace zr

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// What Foundation needs from the system it runs on. An adaptor installs it before any other call and takes it
+// back at the end; a test installs one of its own.
+namespace zr::backend {
+
+// Both queues take blocks from any thread. Blocks for the main queue run on the main thread, one at a time, in
+// the order of their times and, at equal times, in the order they came. Blocks that have not run when the host
+// goes are dropped.
+class Queues {
+public:
+    virtual ~Queues() = default;
+    virtual std::uint64_t now() const = 0; // nanoseconds of a monotonic clock
+    virtual void postToMain(std::uint64_t when, std::function<void()> block) = 0;
+    virtual void postToGlobal(std::function<void()> block) = 0;
+    virtual bool isMainThread() const = 0;
+};
+
+struct Host {
+    std::shared_ptr<Queues> queues;
+    // Folder of the application's resources; by default share/NAME beside the folder of the executable NAME.
+    std::optional<std::filesystem::path> mainBundle;
+    // Languages the user prefers, best first, as "zh-Hans-CN"; by default those of the environment.
+    std::optional<std::vector<std::string>> preferredLanguages;
+};
+
+void install(Host host);
+void uninstall();
+
+} // namespace zr::backend

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <Base/Colour.h>
+#include <Base/Geometry.h>
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+namespace zr {
+
+class NSCoder;
+class NSObject;
+
+// The name of an action, as it is written in interface files: "saveTrimmed:".
+using SEL = std::string;
+
+// A value given to an object by name. Colours are for attributes whose type can be made of a Colour.
+using RuntimeValue = std::variant<std::string, double, bool, NSPoint, Colour>;
+
+struct Action {
+    std::string_view selector;
+    void (*perform)(NSObject& receiver, NSObject* sender);
+};
+
+struct Outlet {
+    std::string_view name;
+    bool (*connect)(NSObject& owner, const std::shared_ptr<NSObject>& value); // false when it is of another kind
+};
+
+struct Attribute {
+    std::string_view name;
+    bool (*assign)(NSObject& object, const RuntimeValue& value); // false when it is of another kind
+};
+
+// What is known of a class at run time, by the original names. Each class has one, beside its source; look-ups go on in
+// the superclass.
+struct ClassTable {
+    std::string_view name;
+    const ClassTable* superclass = nullptr;
+    std::shared_ptr<NSObject> (*make)(NSCoder* coder) = nullptr; // by initWithCoder where there is a coder, else by init
+    std::vector<Action> actions{};
+    std::vector<Outlet> outlets{};
+    std::vector<Attribute> attributes{};
+
+    bool isSubclassOf(const ClassTable& other) const;
+    const Action* findAction(std::string_view selector) const;
+    const Outlet* findOutlet(std::string_view outletName) const;
+    const Attribute* findAttribute(std::string_view attributeName) const;
+};
+
+// All classes of the kit and of the layer below it; the list stands beside the kit's classes.
+std::span<const ClassTable* const> kitClassTables();
+
+// Null when there is no class of that name.
+const ClassTable* NSClassFromString(std::string_view name);
+
+namespace detail {
+
+template <class Member>
+struct SetterOf;
+template <class T, class Result, class Value>
+struct SetterOf<Result (T::*)(Value)> {
+    using Owner = T;
+    using Argument = std::remove_cvref_t<Value>;
+};
+
+
+template <class Argument>
+const auto* attributeValue(const RuntimeValue& value) {
+    if constexpr (std::is_same_v<Argument, bool>) return std::get_if<bool>(&value);
+    else if constexpr (std::is_arithmetic_v<Argument>) return std::get_if<double>(&value);
+    else if constexpr (std::is_same_v<Argument, NSPoint>) return std::get_if<NSPoint>(&value);
+    else if constexpr (std::is_constructible_v<Argument, Colour>) return std::get_if<Colour>(&value);
+    else return std::get_if<std::string>(&value);
+}
+
+} // namespace detail
+
+// actionNamed<&Pane::addFolderDown>("addFolderDown:")
+template <auto Method>
+Action actionNamed(std::string_view selector) {
+    using Setter = detail::SetterOf<decltype(Method)>;
+    static_assert(std::is_same_v<typename Setter::Argument, NSObject*>, "an action takes its sender");
+    return {selector, [](NSObject& receiver, NSObject* sender) {
+                (static_cast<typename Setter::Owner&>(receiver).*Method)(sender);
+            }};
+}
+
+// outletNamed<&BaseSliderView::setDelegate>("delegate")
+template <auto Setter>
+Outlet outletNamed(std::string_view name) {
+    using Traits = detail::SetterOf<decltype(Setter)>;
+    using Kind = typename Traits::Argument::element_type;
+    return {name, [](NSObject& owner, const std::shared_ptr<NSObject>& value) {
+                auto object = std::dynamic_pointer_cast<Kind>(value);
+                if (value && !object) return false;
+                (static_cast<typename Traits::Owner&>(owner).*Setter)(object);
+                return true;
+            }};
+}
+
+// attributeNamed<&BaseSliderView::setSliderXOffset>("sliderXOffset")
+template <auto Setter>
+Attribute attributeNamed(std::string_view name) {
+    using Traits = detail::SetterOf<decltype(Setter)>;
+    using Argument = typename Traits::Argument;
+    return {name, [](NSObject& object, const RuntimeValue& value) {
+                const auto* given = detail::attributeValue<Argument>(value);
+                if (!given) return false;
+                (static_cast<typename Traits::Owner&>(object).*Setter)(static_cast<Argument>(*given));
+                return true;
+            }};
+}
+
+} // namespace zr

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <Foundation/NSBundle.h>
+#include <FoundationBackends/Host.h>
+
+#include <map>
+#include <mutex>
+
+// The host that is installed, and what belongs to it. Private to Foundation.
+namespace zr::backend {
+
+struct HostState {
+    std::shared_ptr<Queues> queues;
+    std::shared_ptr<NSBundle> mainBundle;
+    std::shared_ptr<NSBundle> kitBundle;
+    std::vector<std::string> preferredLanguages;
+};
+
+// What is installed, or a state without queues made of the environment alone.
+std::shared_ptr<HostState> current();
+
+} // namespace zr::backend

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <Foundation/NSObject.h>
+
+#include <concepts>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace zr {
+
+// One argument of a format. Nil (nullptr, an empty optional or pointer) prints as "(null)".
+class FormatArgument {
+public:
+    using Value = std::variant<std::nullptr_t, std::int64_t, std::uint64_t, double, std::string>;
+
+    FormatArgument(std::nullptr_t) {}
+    FormatArgument(const char* text) { text ? value_.emplace<std::string>(text) : value_.emplace<std::string>("(null)"); }
+    FormatArgument(std::string text) : value_(std::move(text)) {}
+    FormatArgument(std::string_view text) : value_(std::string(text)) {}
+    FormatArgument(const std::optional<std::string>& text) {
+        if (text) value_ = *text;
+    }
+    FormatArgument(std::signed_integral auto number) : value_(static_cast<std::int64_t>(number)) {}
+    FormatArgument(std::unsigned_integral auto number) : value_(static_cast<std::uint64_t>(number)) {}
+    FormatArgument(std::floating_point auto number) : value_(static_cast<double>(number)) {}
+    FormatArgument(bool flag) : value_(static_cast<std::int64_t>(flag)) {}
+    // An object prints its class.
+    FormatArgument(const NSObject* object) {
+        if (object) value_ = std::string(object->class_().name);
+    }
+    template <class T>
+        requires std::derived_from<T, NSObject>
+    FormatArgument(const std::shared_ptr<T>& object) : FormatArgument(static_cast<const NSObject*>(object.get())) {}
+
+    const Value& value() const { return value_; }
+
+private:
+    Value value_ = nullptr;
+};
+
+// Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%. Length letters
+// (l, ll, q, z, h) are skipped: arguments know their size. A conversion without an argument stays as it is written.
+// Numbers are never localised.
+std::string formatArguments(std::string_view format, std::span<const FormatArgument> arguments);
+
+template <class... Arguments>
+std::string stringWithFormat(std::string_view format, const Arguments&... arguments) {
+    if constexpr (sizeof...(Arguments) == 0) {
+        return formatArguments(format, {});
+    } else {
+        const FormatArgument list[] = {FormatArgument(arguments)...};
+        return formatArguments(format, list);
+    }
+}
+
+} // namespace zr

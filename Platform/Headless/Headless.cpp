@@ -1,0 +1,524 @@
+#include "Headless.h"
+
+#include "HeadlessQueues.h"
+#include "RecordingCanvas.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <stdexcept>
+#include <utility>
+
+namespace zr::headless {
+
+namespace {
+
+constexpr double kNanoseconds = 1e9;
+
+bool isMouseEvent(NSEventType type) {
+    return type == NSEventTypeLeftMouseDown || type == NSEventTypeLeftMouseUp ||
+           type == NSEventTypeLeftMouseDragged || type == NSEventTypeRightMouseDown ||
+           type == NSEventTypeRightMouseUp || type == NSEventTypeRightMouseDragged ||
+           type == NSEventTypeScrollWheel;
+}
+
+} // namespace
+
+class WindowImplementation;
+
+// One view, whatever its kind; peers refer to it.
+class View {
+public:
+    View(WindowImplementation& window, View* parent, port::ViewClient& client);
+    ~View();
+    View(const View&) = delete;
+    View& operator=(const View&) = delete;
+
+    CGPoint originInContent() const {
+        return parent ? CGPoint{parent->originInContent().x + frame.origin.x,
+                                parent->originInContent().y + frame.origin.y}
+                      : frame.origin;
+    }
+    bool isShown() const { return !hidden && (!parent || parent->isShown()); }
+    View* at(CGPoint point); // in the parent's coordinates
+    void walk(const std::function<void(View&)>& visit) {
+        visit(*this);
+        const auto copy = children;
+        for (View* child : copy) child->walk(visit);
+    }
+
+    WindowImplementation* window; // null once the window is gone
+    View* parent;
+    port::ViewClient* client;
+    std::vector<View*> children;
+    CGRect frame;
+    bool hidden = false;
+    bool dirty = true;
+    std::string name;
+    std::vector<std::string> lines;
+    int drawCount = 0;
+    // Of labels and buttons.
+    std::string text;
+    bool enabled = true;
+    port::ButtonClient* button = nullptr;
+};
+
+class System final : public port::WindowSystem {
+public:
+    explicit System(Options options);
+
+    std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override { return readBitmap(path); }
+    TextSize measure(std::string_view line, const FontDescription& font) override;
+    std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
+                                                 bool resizable) override;
+    std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
+                                                    port::ViewClient& client) override;
+    std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
+                                                 port::ButtonClient& button) override;
+    Appearance appearance() const override { return ownAppearance.value_or(options.appearance); }
+    void setAppearance(std::optional<Appearance> appearance) override;
+    CGSize screenSize() const override { return options.screenSize; }
+    void run() override;
+    void stop() override { stopped = true; }
+
+    void display();
+    void tellAppearance(Appearance before);
+
+    Options options;
+    std::shared_ptr<Queues> queues;
+    port::ApplicationClient* application = nullptr;
+    std::vector<WindowImplementation*> windows;
+    std::optional<Appearance> ownAppearance;
+    bool stopped = false;
+};
+
+class WindowImplementation final : public Window {
+public:
+    WindowImplementation(System& platform, port::WindowClient& owner, CGSize size, bool canResize)
+        : system(platform), client(&owner), contentSize_(size), resizable(canResize) {}
+    ~WindowImplementation() override {
+        if (root) root->walk([](View& view) { view.window = nullptr; });
+    }
+
+    const std::string& title() const override { return title_; }
+    CGSize contentSize() const override { return contentSize_; }
+    bool isVisible() const override { return visible; }
+    bool send(InputEvent event) override;
+    void resizeByUser(CGSize size) override;
+    void moveByUser(CGPoint origin) override;
+    bool closeByUser() override;
+    void setKey(bool key) override;
+    void destroy() override;
+    const std::vector<std::string>& drawing(std::string_view viewName) const override {
+        return named(viewName).lines;
+    }
+    int drawCount(std::string_view viewName) const override { return named(viewName).drawCount; }
+    std::optional<CGRect> frameInContent(std::string_view viewName) const override;
+    std::string labelText(std::string_view viewName) const override { return named(viewName).text; }
+    std::vector<std::string> viewNames() const override;
+
+    void display();
+    void setContentSize(CGSize size);
+    void focus(View* view);
+    View& named(std::string_view name) const;
+
+    System& system;
+    port::WindowClient* client;
+    std::string title_;
+    CGSize contentSize_;
+    CGSize minimum;
+    CGSize maximum{16777215, 16777215};
+    CGPoint origin{100, 100};
+    bool resizable;
+    bool visible = false;
+    bool key = false;
+    bool updateScheduled = false;
+    View* root = nullptr;
+    View* focused = nullptr;
+    View* pressedButton = nullptr;
+};
+
+View::View(WindowImplementation& owner, View* superview, port::ViewClient& viewClient)
+    : window(&owner), parent(superview), client(&viewClient) {
+    if (parent)
+        parent->children.push_back(this);
+    else
+        window->root = this;
+}
+
+View::~View() {
+    if (parent) std::erase(parent->children, this);
+    for (View* child : children) child->parent = nullptr;
+    if (!window) return;
+    if (window->root == this) window->root = nullptr;
+    if (window->focused == this) window->focused = nullptr;
+    if (window->pressedButton == this) window->pressedButton = nullptr;
+}
+
+View* View::at(CGPoint point) {
+    if (hidden || !NSPointInRect(point, frame)) return nullptr;
+    const CGPoint own = {point.x - frame.origin.x, point.y - frame.origin.y};
+    for (std::size_t i = children.size(); i-- > 0;)
+        if (View* const hit = children[i]->at(own)) return hit;
+    return this;
+}
+
+namespace {
+
+// The way from any peer of this adaptor to its view.
+struct HasView {
+    virtual ~HasView() = default;
+    std::unique_ptr<View> view;
+};
+
+// The shared body of all view peers.
+template <class Interface>
+struct PeerOf : Interface, HasView {
+    void setFrame(const CGRect& frame) override {
+        view->dirty = view->dirty || frame.size != view->frame.size;
+        view->frame = frame;
+    }
+    void setHidden(bool hidden) override {
+        view->hidden = hidden;
+        if (!hidden) view->walk([](View& shown) { shown.dirty = true; });
+    }
+    void raise() override {
+        auto& siblings = view->parent->children;
+        std::erase(siblings, view.get());
+        siblings.push_back(view.get());
+    }
+    void invalidate() override { view->dirty = true; }
+    void focus() override {
+        if (view->window) view->window->focus(view.get());
+    }
+    void setName(const std::string& name) override { view->name = name; }
+};
+
+struct PlainPeer final : PeerOf<port::ViewPeer> {};
+
+struct LabelPeer final : PeerOf<port::LabelPeer> {
+    void setText(const std::string& text) override { view->text = text; }
+    void setAppearance(const FontDescription&, const Colour&, NSTextAlignment) override { view->dirty = true; }
+};
+
+constexpr double kButtonPaddingX = 32, kButtonPaddingY = 14;
+
+struct ButtonPeer final : PeerOf<port::ButtonPeer> {
+    explicit ButtonPeer(port::Graphics& system) : graphics(system) {}
+    void setTitle(const std::string& title) override { view->text = title; }
+    void setEnabled(bool enabled) override { view->enabled = enabled; }
+    CGSize naturalSize() const override {
+        const auto text = graphics.measure(view->text, {});
+        return {text.width + kButtonPaddingX, text.ascent + text.descent + kButtonPaddingY};
+    }
+    port::Graphics& graphics;
+};
+
+struct WindowPeer final : port::WindowPeer {
+    explicit WindowPeer(std::unique_ptr<WindowImplementation> implementation)
+        : window(std::move(implementation)) {
+        window->system.windows.push_back(window.get());
+    }
+    ~WindowPeer() override { std::erase(window->system.windows, window.get()); }
+
+    void show(bool activate) override {
+        window->visible = true;
+        if (activate) window->setKey(true);
+    }
+    void hide() override {
+        window->visible = false;
+        window->setKey(false);
+    }
+    void close() override { window->client->peerClosed(); }
+    void setTitle(const std::string& title) override { window->title_ = title; }
+    void setContentSize(CGSize size) override { window->setContentSize(size); }
+    void setContentLimits(CGSize minimum, CGSize maximum) override {
+        window->minimum = minimum;
+        window->maximum = maximum;
+    }
+    void scheduleUpdate() override { window->updateScheduled = true; }
+    CGPoint contentOriginOnScreen() const override { return window->origin; }
+    double backingScale() const override { return window->system.options.scale; }
+
+    std::unique_ptr<WindowImplementation> window;
+};
+
+View& viewOf(port::ViewPeer& peer) { return *dynamic_cast<HasView&>(peer).view; }
+
+template <class Peer>
+std::unique_ptr<Peer> attach(std::unique_ptr<Peer> peer, port::ViewPeer& parent, port::ViewClient& client) {
+    View& superview = viewOf(parent);
+    peer->view = std::make_unique<View>(*superview.window, &superview, client);
+    return peer;
+}
+
+} // namespace
+
+// Window
+
+bool Window::mouseDown(CGPoint point, std::uint32_t modifierFlags, int clickCount) {
+    return send({.type = NSEventTypeLeftMouseDown,
+                 .location = point,
+                 .modifierFlags = modifierFlags,
+                 .clickCount = clickCount});
+}
+bool Window::mouseDragged(CGPoint point, std::uint32_t modifierFlags) {
+    return send({.type = NSEventTypeLeftMouseDragged, .location = point, .modifierFlags = modifierFlags});
+}
+bool Window::mouseUp(CGPoint point, std::uint32_t modifierFlags, int clickCount) {
+    return send({.type = NSEventTypeLeftMouseUp,
+                 .location = point,
+                 .modifierFlags = modifierFlags,
+                 .clickCount = clickCount});
+}
+bool Window::scrollWheel(CGPoint point, double deltaX, double deltaY) {
+    return send({.type = NSEventTypeScrollWheel,
+                 .location = point,
+                 .scrollingDeltaX = deltaX,
+                 .scrollingDeltaY = deltaY});
+}
+bool Window::keyDown(std::uint16_t keyCode, const std::string& characters, std::uint32_t modifierFlags) {
+    return send({.type = NSEventTypeKeyDown,
+                 .modifierFlags = modifierFlags,
+                 .keyCode = keyCode,
+                 .characters = characters,
+                 .charactersIgnoringModifiers = characters});
+}
+bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::uint32_t modifierFlags) {
+    return send({.type = NSEventTypeKeyUp,
+                 .modifierFlags = modifierFlags,
+                 .keyCode = keyCode,
+                 .characters = characters,
+                 .charactersIgnoringModifiers = characters});
+}
+
+bool WindowImplementation::send(InputEvent event) {
+    auto& platform = system;
+    event.location.y = contentSize_.height - event.location.y;
+    event.timestamp = static_cast<double>(platform.queues->now()) / kNanoseconds;
+    // The window system's own controls take the mouse themselves.
+    View* const hit = root && isMouseEvent(event.type) ? root->at(event.location) : nullptr;
+    bool taken = true;
+    if (event.type == NSEventTypeLeftMouseDown && hit && hit->button) {
+        pressedButton = hit->enabled ? hit : nullptr;
+    } else if (pressedButton && event.type == NSEventTypeLeftMouseDragged) {
+        // Held.
+    } else if (pressedButton && event.type == NSEventTypeLeftMouseUp) {
+        View* const button = std::exchange(pressedButton, nullptr);
+        if (hit == button && button->enabled) button->button->peerPressed();
+    } else if (focused && focused->button && event.type == NSEventTypeKeyDown &&
+               event.keyCode == kKeyCodeSpace) {
+        if (focused->enabled) focused->button->peerPressed();
+    } else {
+        taken = client->peerEvent(event);
+    }
+    platform.display(); // this window may be gone by now
+    return taken;
+}
+
+void WindowImplementation::resizeByUser(CGSize size) {
+    if (!resizable) return;
+    auto& platform = system;
+    setContentSize({std::min(maximum.width, std::max(minimum.width, size.width)),
+                    std::min(maximum.height, std::max(minimum.height, size.height))});
+    platform.display();
+}
+
+void WindowImplementation::setContentSize(CGSize size) {
+    contentSize_ = size;
+    if (root) {
+        root->frame = {NSZeroPoint, size};
+        root->dirty = true;
+    }
+    client->peerContentResized(size);
+}
+
+void WindowImplementation::moveByUser(CGPoint contentOrigin) {
+    origin = contentOrigin;
+    client->peerMoved();
+}
+
+bool WindowImplementation::closeByUser() {
+    auto& platform = system;
+    if (!client->peerShouldClose()) return false;
+    client->peerClosed();
+    platform.display();
+    return true;
+}
+
+void WindowImplementation::setKey(bool nowKey) {
+    if (nowKey == key) return;
+    if (nowKey)
+        for (auto* other : system.windows)
+            if (other != this) other->setKey(false);
+    key = nowKey;
+    client->peerKeyChanged(key);
+}
+
+void WindowImplementation::destroy() { client->peerGone(); }
+
+std::optional<CGRect> WindowImplementation::frameInContent(std::string_view viewName) const {
+    const View& view = named(viewName);
+    if (!view.isShown()) return std::nullopt;
+    return CGRect{view.originInContent(), view.frame.size};
+}
+
+std::vector<std::string> WindowImplementation::viewNames() const {
+    std::vector<std::string> names;
+    if (root) root->walk([&](View& view) { names.push_back(view.name); });
+    return names;
+}
+
+View& WindowImplementation::named(std::string_view name) const {
+    View* found = nullptr;
+    if (root)
+        root->walk([&](View& view) {
+            if (!found && view.name == name) found = &view;
+        });
+    if (!found) throw std::out_of_range("no view of that name");
+    return *found;
+}
+
+void WindowImplementation::focus(View* view) {
+    if (view == focused) return;
+    if (View* const old = std::exchange(focused, view)) old->client->peerFocusChanged(false);
+    if (focused == view) view->client->peerFocusChanged(true);
+}
+
+void WindowImplementation::display() {
+    if (std::exchange(updateScheduled, false)) client->peerUpdate();
+    if (!visible || !root) return;
+    root->walk([this](View& view) {
+        if (!view.dirty || !view.isShown() || NSIsEmptyRect(view.frame)) return;
+        view.dirty = false;
+        RecordingCanvas canvas(system.options.scale, system.appearance());
+        view.client->peerDraw(canvas, {NSZeroPoint, view.frame.size});
+        view.lines = canvas.lines();
+        ++view.drawCount;
+    });
+}
+
+// System
+
+System::System(Options given)
+    : options(std::move(given)), queues(std::make_shared<Queues>(options.workerThread)) {}
+
+TextSize System::measure(std::string_view line, const FontDescription& font) {
+    // Every character is half as wide as the font is high; those beyond the alphabets are as wide as high.
+    double width = 0;
+    for (const char c : line) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte & 0xC0) != 0x80) width += byte >= 0xE2 ? font.size : font.size * 0.5;
+    }
+    return {width, font.size * 0.75, font.size * 0.25};
+}
+
+std::unique_ptr<port::WindowPeer> System::makeWindow(port::WindowClient& client, CGSize contentSize,
+                                                     bool resizable) {
+    return std::make_unique<WindowPeer>(
+        std::make_unique<WindowImplementation>(*this, client, contentSize, resizable));
+}
+
+std::unique_ptr<port::ViewPeer> System::makeContentView(port::WindowPeer& window, port::ViewClient& client) {
+    auto& implementation = *dynamic_cast<WindowPeer&>(window).window;
+    auto peer = std::make_unique<PlainPeer>();
+    peer->view = std::make_unique<View>(implementation, nullptr, client);
+    peer->view->frame = {NSZeroPoint, implementation.contentSize_};
+    return peer;
+}
+
+std::unique_ptr<port::ViewPeer> System::makeView(port::ViewPeer& parent, port::ViewClient& client) {
+    return attach(std::make_unique<PlainPeer>(), parent, client);
+}
+
+std::unique_ptr<port::LabelPeer> System::makeLabel(port::ViewPeer& parent, port::ViewClient& client) {
+    return attach(std::make_unique<LabelPeer>(), parent, client);
+}
+
+std::unique_ptr<port::ButtonPeer> System::makeButton(port::ViewPeer& parent, port::ViewClient& client,
+                                                     port::ButtonClient& button) {
+    auto peer = attach(std::make_unique<ButtonPeer>(*this), parent, client);
+    peer->view->button = &button;
+    return peer;
+}
+
+void System::setAppearance(std::optional<Appearance> appearance) {
+    const auto before = this->appearance();
+    ownAppearance = appearance;
+    tellAppearance(before);
+}
+
+void System::tellAppearance(Appearance before) {
+    if (before != appearance()) application->appearanceChanged();
+}
+
+void System::run() {
+    stopped = false;
+    while (!stopped) {
+        const auto ran = queues->runMain(queues->now()) + queues->runGlobal();
+        display();
+        if (ran > 0 || stopped) continue;
+        const auto next = queues->nextOnMain();
+        if (!next) return;
+        queues->runMain(*next);
+    }
+}
+
+void System::display() {
+    const auto copy = windows;
+    for (auto* window : copy)
+        if (std::ranges::find(windows, window) != windows.end()) window->display();
+}
+
+// Platform
+
+Platform::Platform(Options options) : system_(std::make_unique<System>(std::move(options))) {
+    backend::install({.queues = system_->queues,
+                      .mainBundle = system_->options.mainBundle,
+                      .preferredLanguages = system_->options.preferredLanguages});
+    system_->application = &port::install(*system_);
+}
+
+Platform::~Platform() {
+    port::uninstall();
+    backend::uninstall();
+    system_->queues->dropAll();
+}
+
+std::vector<Window*> Platform::windows() const { return {system_->windows.begin(), system_->windows.end()}; }
+
+double Platform::now() const { return static_cast<double>(system_->queues->now()) / kNanoseconds; }
+
+void Platform::advance(double seconds) {
+    const auto nanoseconds = static_cast<std::uint64_t>(seconds * kNanoseconds);
+    system_->queues->runMain(system_->queues->now() + nanoseconds);
+    display();
+}
+
+std::size_t Platform::runMainQueue() {
+    const auto count = system_->queues->runMain(system_->queues->now());
+    display();
+    return count;
+}
+
+std::size_t Platform::runGlobalQueue() { return system_->queues->runGlobal(); }
+
+void Platform::runUntilIdle() {
+    while (runGlobalQueue() + runMainQueue() > 0) {
+    }
+}
+
+std::size_t Platform::waitingForGlobalQueue() const { return system_->queues->waitingForGlobal(); }
+
+void Platform::display() { system_->display(); }
+
+void Platform::setDesktopAppearance(Appearance appearance) {
+    const auto before = system_->appearance();
+    system_->options.appearance = appearance;
+    system_->tellAppearance(before);
+    display();
+}
+
+} // namespace zr::headless

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <Base/Colour.h>
+#include <Base/Event.h>
+#include <Base/Geometry.h>
+#include <WindowSystem/WindowSystem.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A window system without a screen: time is virtual, drawing is recorded as text, the user is played by the program.
+// Nothing in it ever blocks. Made for tests; main thread only unless it says otherwise.
+namespace zr::headless {
+
+class System;
+
+// A window, seen from outside. Points are in window coordinates: from the lower left of the content, y up.
+class Window {
+public:
+    virtual ~Window() = default;
+
+    virtual const std::string& title() const = 0;
+    virtual CGSize contentSize() const = 0;
+    virtual bool isVisible() const = 0;
+
+    // What the user does. Each ends with a display cycle, as an event does on a screen. Answers whether the window took it.
+    bool mouseDown(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
+    bool mouseDragged(CGPoint point, std::uint32_t modifierFlags = 0);
+    bool mouseUp(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
+    bool scrollWheel(CGPoint point, double deltaX, double deltaY);
+    bool keyDown(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
+    bool keyUp(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
+    virtual bool send(InputEvent eventInWindowCoordinates) = 0;
+    virtual void resizeByUser(CGSize contentSize) = 0; // within the limits
+    virtual void moveByUser(CGPoint contentOrigin) = 0; // from the top left of the screen
+    virtual bool closeByUser() = 0; // false when it did not want to
+    virtual void setKey(bool key) = 0;
+    // The real window is taken away, as when a host deletes it.
+    virtual void destroy() = 0;
+
+    // Of the view of that name: what it drew last, how often it has drawn, where it stands (y-down, in the content).
+    virtual const std::vector<std::string>& drawing(std::string_view viewName) const = 0;
+    virtual int drawCount(std::string_view viewName) const = 0;
+    virtual std::optional<CGRect> frameInContent(std::string_view viewName) const = 0;
+    virtual std::string labelText(std::string_view viewName) const = 0;
+    virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
+};
+
+struct Options {
+    double scale = 1;
+    CGSize screenSize = {1280, 800};
+    Appearance appearance = Appearance::light;
+    std::vector<std::string> preferredLanguages = {"en"};
+    std::filesystem::path mainBundle = "/nonexistent";
+    bool workerThread = false; // background blocks run on a thread of their own, instead of waiting to be stepped
+};
+
+// Installed while it lives; at most one at a time.
+class Platform {
+public:
+    explicit Platform(Options options = {});
+    ~Platform();
+    Platform(const Platform&) = delete;
+    Platform& operator=(const Platform&) = delete;
+
+    // Windows that are realised, in the order in which they were.
+    std::vector<Window*> windows() const;
+
+    double now() const; // seconds, since an arbitrary moment
+    // Lets time pass: blocks of the main queue that become due run, each at its time. Then displays.
+    void advance(double seconds);
+    // Runs what is due on the main queue, then displays. Answers how many blocks have run.
+    std::size_t runMainQueue();
+    // Runs the background blocks that wait now; with a worker thread, waits until it is done.
+    std::size_t runGlobalQueue();
+    // Both in turns until nothing is due.
+    void runUntilIdle();
+    std::size_t waitingForGlobalQueue() const;
+
+    // Layout and drawing of everything that asked for it.
+    void display();
+    // The desktop changes between light and dark.
+    void setDesktopAppearance(Appearance appearance);
+
+private:
+    std::unique_ptr<System> system_;
+};
+
+} // namespace zr::headless

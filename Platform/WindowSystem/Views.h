@@ -1,0 +1,88 @@
+#pragma once
+
+#include <Base/Colour.h>
+#include <Base/Event.h>
+#include <Base/Font.h>
+#include <Base/Geometry.h>
+
+#include <string>
+#include <string_view>
+
+// The port is y-down: origins are at the top left, lengths in points. Everything happens on the main thread.
+// A peer is owned by its client and tells it when the window system took the real thing away (peerGone); after that the
+// peer does nothing any more. A client may destroy its peer in the middle of a call from it.
+namespace zr::port {
+
+class Canvas;
+
+class ViewClient {
+public:
+    virtual ~ViewClient() = default;
+    // Draw into the canvas, whose coordinates are the view's own. `dirty` is y-down, within the view.
+    virtual void peerDraw(Canvas& canvas, const CGRect& dirty) = 0;
+    // Whether the canvas of this view is to run its y axis upwards.
+    virtual bool peerDrawsUpwards() const = 0;
+    virtual void peerFocusChanged(bool focused) = 0;
+    virtual void peerGone() = 0;
+};
+
+class ViewPeer {
+public:
+    virtual ~ViewPeer() = default;
+    virtual void setFrame(const CGRect& frameInParent) = 0; // exact; the adaptor rounds where its widgets need it
+    virtual void setHidden(bool hidden) = 0;
+    virtual void raise() = 0; // in front of its siblings
+    virtual void invalidate() = 0; // the whole view is drawn again at the end of the current event
+    virtual void focus() = 0; // takes the keyboard
+    virtual void setName(const std::string& name) = 0; // for tests and accessibility
+};
+
+class LabelPeer : public virtual ViewPeer {
+public:
+    virtual void setText(const std::string& text) = 0;
+    virtual void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) = 0;
+};
+
+class ButtonClient {
+public:
+    virtual ~ButtonClient() = default;
+    virtual void peerPressed() = 0; // clicked, or pressed by the keyboard
+};
+
+class ButtonPeer : public virtual ViewPeer {
+public:
+    virtual void setTitle(const std::string& title) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+    virtual CGSize naturalSize() const = 0;
+};
+
+class WindowClient {
+public:
+    virtual ~WindowClient() = default;
+    // Location: from the top left of the content. Answers whether the responder chain took the event; what it did not
+    // take belongs to whoever hosts the content.
+    virtual bool peerEvent(const InputEvent& event) = 0;
+    virtual void peerContentResized(CGSize size) = 0;
+    virtual void peerUpdate() = 0; // what scheduleUpdate asked for; comes before the next drawing
+    virtual bool peerShouldClose() = 0;
+    virtual void peerClosed() = 0; // by the user or by close()
+    virtual void peerKeyChanged(bool key) = 0;
+    virtual void peerMoved() = 0; // on the screen, or to a screen of another scale
+    virtual void peerGone() = 0;
+};
+
+class WindowPeer {
+public:
+    virtual ~WindowPeer() = default;
+    virtual void show(bool activate) = 0;
+    virtual void hide() = 0;
+    virtual void close() = 0; // without asking
+    virtual void setTitle(const std::string& title) = 0;
+    virtual void setContentSize(CGSize size) = 0;
+    virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;
+    virtual void scheduleUpdate() = 0; // asks for one peerUpdate
+    virtual CGPoint contentOriginOnScreen() const = 0; // from the top left of the primary screen
+    virtual double backingScale() const = 0; // device pixels for a point
+};
+
+} // namespace zr::port

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Base/Colour.h>
+#include <Base/Font.h>
+#include <Base/Geometry.h>
+#include <WindowSystem/Canvas.h>
+#include <WindowSystem/Views.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// What a window system must offer. An adaptor implements these interfaces and hands the whole to install().
+namespace zr::port {
+
+class Graphics {
+public:
+    virtual ~Graphics() = default;
+    virtual std::shared_ptr<Bitmap> loadBitmap(const std::string& path) = 0; // null when it cannot be read
+    virtual TextSize measure(std::string_view line, const FontDescription& font) = 0;
+};
+
+// Makes peers. A view's peer is made as a child of its superview's.
+class PeerFactory {
+public:
+    virtual ~PeerFactory() = default;
+    virtual std::unique_ptr<WindowPeer> makeWindow(WindowClient& client, CGSize contentSize, bool resizable) = 0;
+    virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
+    virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;
+    virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
+    virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client, ButtonClient& button) = 0;
+};
+
+class WindowSystem : public Graphics, public PeerFactory {
+public:
+    virtual Appearance appearance() const = 0;
+    virtual void setAppearance(std::optional<Appearance> appearance) = 0; // nothing: follow the desktop
+    virtual CGSize screenSize() const = 0; // of the primary screen, points
+    virtual void run() = 0;  // until stop()
+    virtual void stop() = 0;
+};
+
+// The portable side, as adaptors see it.
+class ApplicationClient {
+public:
+    virtual ~ApplicationClient() = default;
+    virtual void appearanceChanged() = 0;
+    // Closes all windows and forgets them, while the toolkit still lives.
+    virtual void willEnd() = 0;
+};
+
+// Makes the window system the one that views, windows and the application object of this process use, with a new
+// application object. Ends with uninstall(). At most one at a time.
+ApplicationClient& install(WindowSystem& windowSystem);
+void uninstall();
+
+} // namespace zr::port

@@ -1,0 +1,1 @@
+# Installation comes with the packages.
