@@ -1,8 +1,7 @@
 #pragma once
 
-#include <ZRUIKit/SliderSelectionItem.h>
-
 #include <AppKit/NSControl.h>
+#include <ZRUIKit/SliderSelectionItem.h>
 
 #include <cstdint>
 #include <memory>
@@ -12,8 +11,8 @@ namespace zr {
 class BaseSliderView;
 class SplitSliderView;
 
-// What sliders tell. Values are in the slider's value units; every message comes on the main thread, while the event is
-// being handled.
+// What sliders tell. Values are in the slider's value units; every message comes on the main thread, while the
+// event is being handled.
 class SliderViewDelegate {
 public:
     virtual ~SliderViewDelegate() = default;
@@ -25,19 +24,20 @@ public:
     // The release that ends a drag of the knob.
     virtual void sliderView_endDragAt(BaseSliderView&, double /*value*/) {}
 
-    // Sent by SplitSliderView: a press on a handle, each step of its drag once the clip has changed, and the release.
-    // The clip is read from the slider's selectionItem.
+    // Sent by SplitSliderView: a press on a handle, each step of its drag once the clip has changed, and the
+    // release. The clip is read from the slider's selectionItem.
     virtual void splitSliderViewBeginDragClip_bLeftClip(SplitSliderView&, bool /*leftClip*/) {}
     virtual void splitSliderViewDragClipTo_bLeftClip(SplitSliderView&, bool /*leftClip*/) {}
     virtual void splitSliderViewEndDragClip_bLeftClip(SplitSliderView&, bool /*leftClip*/) {}
 };
 
 // The base of the timeline sliders: a track for a range of values, a round knob for the current value and one
-// highlighted selection. It turns presses, drags and releases into messages to its delegate, but takes no events itself:
-// subclasses convert them and call mouseDownAt, mouseDraggedTo and mouseUpAt. Used directly it draws and does not react.
+// highlighted selection. It turns presses, drags and releases into messages to its delegate, but takes no
+// events itself: subclasses convert them and call mouseDownAt, mouseDraggedTo and mouseUpAt. Used directly it
+// draws and does not react.
 //
-// Values are in whatever unit the host uses throughout; positions are points in the view's coordinates, which are not
-// flipped. Nothing is limited or checked unless it says so. Main thread only.
+// Values are in whatever unit the host uses throughout; positions are points in the view's coordinates, which
+// are not flipped. Nothing is limited or checked unless it says so. Main thread only.
 class BaseSliderView : public NSControl {
 public:
     ZR_CLASS(BaseSliderView, NSControl)
@@ -74,17 +74,19 @@ public:
 
     // Stores the selection as it is given and asks for drawing.
     void setSelection_length(double start, double length);
-    // Stores the value, asks for drawing and sends sliderView_didChangeValue. Overrides of setDCurValue do not run.
+    // Stores the value, asks for drawing and sends sliderView_didChangeValue. Overrides of setDCurValue do not
+    // run.
     void seekToValue(double value);
 
-    // The value at the position x, limited to the range. Needs a drawing pass before, which places the track: until then,
-    // and with a track without width, the result is not finite.
+    // The value at the position x, limited to the range. Needs a drawing pass before, which places the track:
+    // until then, and with a track without width, the result is not finite.
     double curProgressWithXValue(double x) const;
     // The position of the value, which is limited to the range.
     double curXValueWithProgress(double value) const;
 
-    // For subclasses. Points are in the view's coordinates. A press within 5 points of the track drags the knob from then
-    // on and sets the value. None of the three asks for drawing; while the control is switched off none does anything.
+    // For subclasses. Points are in the view's coordinates. A press within 5 points of the track drags the knob
+    // from then on and sets the value. None of the three asks for drawing; while the control is switched off
+    // none does anything.
     virtual void mouseDownAt(const NSPoint& point);
     virtual void mouseDraggedTo(const NSPoint& point);
     virtual void mouseUpAt(const NSPoint& point);

@@ -18,7 +18,8 @@ NSBundle& KitBundle();
 // A text of the kit, from its table "Localized"; the key itself where there is no translation.
 std::string KitLocalizedString(const std::string& key);
 
-// A text of the application, from the default table of its bundle; the key itself where there is no translation.
+// A text of the application, from the default table of its bundle; the key itself where there is no
+// translation.
 std::string AppLocalizedString(const std::string& key);
 
 // A picture from the kit's bundle; null when it is missing. Main thread only.
@@ -39,17 +40,17 @@ struct LogPlace {
 // An error: returns when every logger has handled it.
 template <class... Arguments>
 void KitLogError(const LogPlace& place, std::string_view format, const Arguments&... arguments) {
-    DDLog::log_level_flag_context_file_function_line_tag_format(false, kKitLogLevel, DDLogFlagError, 0, place.file,
-                                                                place.function, place.line, nullptr, format,
-                                                                arguments...);
+    DDLog::log_level_flag_context_file_function_line_tag_format(false, kKitLogLevel, DDLogFlagError, 0,
+                                                                place.file, place.function, place.line, nullptr,
+                                                                format, arguments...);
 }
 
 // Information: returns at once.
 template <class... Arguments>
 void KitLogInfo(const LogPlace& place, std::string_view format, const Arguments&... arguments) {
-    DDLog::log_level_flag_context_file_function_line_tag_format(true, kKitLogLevel, DDLogFlagInfo, 0, place.file,
-                                                                place.function, place.line, nullptr, format,
-                                                                arguments...);
+    DDLog::log_level_flag_context_file_function_line_tag_format(true, kKitLogLevel, DDLogFlagInfo, 0,
+                                                                place.file, place.function, place.line, nullptr,
+                                                                format, arguments...);
 }
 
 // Queue patterns. Blocks hold the objects they use.
@@ -57,8 +58,8 @@ void KitLogInfo(const LogPlace& place, std::string_view format, const Arguments&
 // Runs the block on the main queue, after what is there already.
 void OnMainQueue(dispatch_block_t block);
 
-// Main-thread guard: off the main thread posts the block to the main queue and answers true; the caller then returns.
-// On the main thread answers false.
+// Main-thread guard: off the main thread posts the block to the main queue and answers true; the caller then
+// returns. On the main thread answers false.
 bool RepostedToMainQueue(dispatch_block_t block);
 
 // Runs the work on the global queue, then hands its result to `done` on the main queue.
@@ -66,7 +67,8 @@ template <class Work, class Done>
 void InBackground(Work work, Done done) {
     dispatch_async(dispatch_get_global_queue(0, 0), [work = std::move(work), done = std::move(done)]() mutable {
         auto result = work();
-        OnMainQueue([result = std::move(result), done = std::move(done)]() mutable { done(std::move(result)); });
+        OnMainQueue(
+            [result = std::move(result), done = std::move(done)]() mutable { done(std::move(result)); });
     });
 }
 

@@ -4,8 +4,8 @@
 
 namespace zr {
 
-// The highlighted part of a slider's range, in the slider's value units. Plain values: nothing is checked, and setting
-// them draws nothing.
+// The highlighted part of a slider's range, in the slider's value units. Plain values: nothing is checked, and
+// setting them draws nothing.
 class SliderSelectionItem : public NSObject {
 public:
     ZR_CLASS(SliderSelectionItem, NSObject)

@@ -8,10 +8,11 @@ namespace zr {
 
 class NSImage;
 
-// The slider with which the user keeps one clip of a track. The selection is the clip, at first the whole range; a handle
-// stands on the track at each of its ends and can be dragged. Dragging a handle never leaves less than 5 value units of
-// clip. The current value (the knob) is drawn only on request; a press within 5 points of the track moves it, also where
-// the press takes a handle. Messages go to the delegate of the base class.
+// The slider with which the user keeps one clip of a track. The selection is the clip, at first the whole
+// range; a handle stands on the track at each of its ends and can be dragged. Dragging a handle never leaves
+// less than 5 value units of clip. The current value (the knob) is drawn only on request; a press within 5
+// points of the track moves it, also where the press takes a handle. Messages go to the delegate of the base
+// class.
 class SplitSliderView : public BaseSliderView {
 public:
     ZR_CLASS(SplitSliderView, BaseSliderView)
@@ -26,8 +27,9 @@ public:
     bool shouldDrawKnob() const { return shouldDrawKnob_; }
     void setShouldDrawKnob(bool flag);
 
-    // The handles' pictures; setting one does not draw. Both are drawn, and hit, at the left one's size. The left handle
-    // ends at the clip's start, the right one begins at its end. Without a picture a handle is neither seen nor hit.
+    // The handles' pictures; setting one does not draw. Both are drawn, and hit, at the left one's size. The
+    // left handle ends at the clip's start, the right one begins at its end. Without a picture a handle is
+    // neither seen nor hit.
     const std::shared_ptr<NSImage>& trimLeftImg() const { return trimLeftImg_; }
     virtual void setTrimLeftImg(const std::shared_ptr<NSImage>& image) { trimLeftImg_ = image; }
     const std::shared_ptr<NSImage>& trimRightImg() const { return trimRightImg_; }
@@ -35,8 +37,9 @@ public:
 
     // Whether the current value lies more than 2 value units inside the clip, at both ends.
     bool canBeSplited() const;
-    // Keeps the part of the clip before the current value, where that lies inside the clip: range and clip become that
-    // long and the current value 0, while the starts of both stay. It neither draws nor sends anything.
+    // Keeps the part of the clip before the current value, where that lies inside the clip: range and clip
+    // become that long and the current value 0, while the starts of both stay. It neither draws nor sends
+    // anything.
     void splitAtCurPoint();
     // Makes the range as long as the clip, and the clip start at 0; asks for drawing. The argument is not used.
     void splitAtPoint(double point);

@@ -15,11 +15,14 @@ class NSWindow;
 class NSApplicationDelegate {
 public:
     virtual ~NSApplicationDelegate() = default;
-    virtual std::optional<bool> applicationShouldTerminateAfterLastWindowClosed(NSApplication&) { return std::nullopt; }
+    virtual std::optional<bool> applicationShouldTerminateAfterLastWindowClosed(NSApplication&) {
+        return std::nullopt;
+    }
     virtual void applicationWillTerminate(NSApplication&) {}
 };
 
-// The application object of the installed window system: its windows, its event loop, its appearance. Main thread only.
+// The application object of the installed window system: its windows, its event loop, its appearance. Main
+// thread only.
 class NSApplication : public NSResponder {
 public:
     ZR_CLASS(NSApplication, NSResponder)
@@ -30,7 +33,7 @@ public:
     std::shared_ptr<NSApplicationDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(std::weak_ptr<NSApplicationDelegate> delegate) { delegate_ = std::move(delegate); }
 
-    void run(); // until terminate
+    void run();                       // until terminate
     void terminate(NSObject* sender); // an action too: "terminate:"
 
     // Nothing: follow the desktop. Views are redrawn and told at once.
@@ -41,7 +44,8 @@ public:
     std::vector<std::shared_ptr<NSWindow>> windows() const { return windows_; }
     NSWindow* keyWindow() const;
 
-    // To the target or, without one, along the responder chain of the key window and then here. False when nobody took it.
+    // To the target or, without one, along the responder chain of the key window and then here. False when
+    // nobody took it.
     bool sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender);
 
 private:

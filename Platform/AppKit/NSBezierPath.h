@@ -4,14 +4,16 @@
 
 namespace zr {
 
-// An outline that can be filled, stroked and clipped to. A value. Points are in the coordinates of the view that draws.
+// An outline that can be filled, stroked and clipped to. A value. Points are in the coordinates of the view
+// that draws.
 class NSBezierPath {
 public:
     static NSBezierPath bezierPath() { return {}; }
     static NSBezierPath bezierPathWithRect(const NSRect& rect);
     static NSBezierPath bezierPathWithOvalInRect(const NSRect& rect);
     // Corners are quarters of ellipses; radii larger than half the side are limited to half of it.
-    static NSBezierPath bezierPathWithRoundedRect_xRadius_yRadius(const NSRect& rect, double xRadius, double yRadius);
+    static NSBezierPath bezierPathWithRoundedRect_xRadius_yRadius(const NSRect& rect, double xRadius,
+                                                                  double yRadius);
 
     void moveToPoint(const NSPoint& point);
     // Both throw std::logic_error, and change nothing, where the path has no current point.

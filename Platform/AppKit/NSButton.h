@@ -25,7 +25,8 @@ public:
     void setTitle(const std::string& title);
     void setEnabled(bool enabled) override;
     bool acceptsFirstResponder() const override { return isEnabled(); }
-    // As if the user had clicked it; does nothing while the button is switched off. An action too: "performClick:".
+    // As if the user had clicked it; does nothing while the button is switched off. An action too:
+    // "performClick:".
     void performClick(NSObject* sender);
     // The window system's size for the title; without a window, a size from the measure of the text.
     void sizeToFit() override;

@@ -15,7 +15,8 @@ public:
     bool isEnabled() const { return enabled_; }
     virtual void setEnabled(bool enabled); // asks for drawing
 
-    // Not retained. Without a target the action goes along the responder chain; without an action nothing is sent.
+    // Not retained. Without a target the action goes along the responder chain; without an action nothing is
+    // sent.
     NSObject* target() const { return target_.lock().get(); }
     void setTarget(const std::shared_ptr<NSObject>& target);
     const SEL& action() const { return action_; }

@@ -4,8 +4,8 @@
 
 namespace zr {
 
-// What the user did. A value. Locations are in window coordinates: points, origin at the lower left of the window's
-// content, y up.
+// What the user did. A value. Locations are in window coordinates: points, origin at the lower left of the
+// window's content, y up.
 class NSEvent {
 public:
     // `event` is y-down, from the top left of a content of that height.

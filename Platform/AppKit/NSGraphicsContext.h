@@ -13,8 +13,8 @@ namespace port {
 class Canvas;
 }
 
-// Where drawing goes at the moment: made for a drawing pass, current until it is destroyed. Its state is a colour and a
-// clip. Outside of a pass there is none, and drawing does nothing.
+// Where drawing goes at the moment: made for a drawing pass, current until it is destroyed. Its state is a
+// colour and a clip. Outside of a pass there is none, and drawing does nothing.
 class NSGraphicsContext {
 public:
     explicit NSGraphicsContext(port::Canvas& canvas);

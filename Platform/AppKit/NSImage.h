@@ -13,8 +13,8 @@ namespace port {
 struct ImageRepresentation;
 }
 
-// A picture with representations for scales and appearances, of which the one that suits is taken when it is drawn.
-// Size in points, coordinates from the lower left. Main thread only.
+// A picture with representations for scales and appearances, of which the one that suits is taken when it is
+// drawn. Size in points, coordinates from the lower left. Main thread only.
 class NSImage : public NSObject {
 public:
     ZR_CLASS(NSImage, NSObject)
@@ -32,7 +32,8 @@ public:
     void addRepresentation(const port::ImageRepresentation& representation);
 
     // Draws into the current context. An empty source is the whole image; one that reaches outside is cut, its
-    // destination likewise. The picture is scaled to the destination; `fraction` multiplies its alpha, at most 1.
+    // destination likewise. The picture is scaled to the destination; `fraction` multiplies its alpha, at
+    // most 1.
     void drawInRect_fromRect_operation_fraction(const NSRect& destination, const NSRect& source,
                                                 NSCompositingOperation operation, double fraction) const;
 

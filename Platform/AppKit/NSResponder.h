@@ -16,7 +16,8 @@ public:
 
     virtual bool initWithCoder(NSCoder& coder);
 
-    // Not retained; null once the other is gone. A view's is its superview, the content view's its window, unless set.
+    // Not retained; null once the other is gone. A view's is its superview, the content view's its window,
+    // unless set.
     NSResponder* nextResponder() const { return nextResponder_.lock().get(); }
     void setNextResponder(NSResponder* responder);
 
@@ -24,8 +25,8 @@ public:
     virtual bool becomeFirstResponder() { return true; }
     virtual bool resignFirstResponder() { return true; }
 
-    // Each hands the event on to the next responder; at the end of the chain it counts as not taken, and goes back to
-    // whoever hosts the window's content.
+    // Each hands the event on to the next responder; at the end of the chain it counts as not taken, and goes
+    // back to whoever hosts the window's content.
     virtual void mouseDown(const NSEvent& event);
     virtual void mouseDragged(const NSEvent& event);
     virtual void mouseUp(const NSEvent& event);

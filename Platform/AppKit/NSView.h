@@ -29,9 +29,9 @@ enum NSAutoresizingMaskOptions : unsigned {
     NSViewMaxYMargin = 32,
 };
 
-// A rectangle in a window that draws, and takes events. An ordinary object: it answers everything without a window, too.
-// Points; origin at the lower left and y up, unless the view says that it is flipped, which then holds for the frames of
-// its subviews as well. A superview holds its subviews. Main thread only.
+// A rectangle in a window that draws, and takes events. An ordinary object: it answers everything without a
+// window, too. Points; origin at the lower left and y up, unless the view says that it is flipped, which then
+// holds for the frames of its subviews as well. A superview holds its subviews. Main thread only.
 class NSView : public NSResponder {
 public:
     ZR_CLASS(NSView, NSResponder)
@@ -44,7 +44,8 @@ public:
     // Sent once after the object was made from an interface file and everything was connected.
     virtual void awakeFromNib() {}
 
-    // In the superview's coordinates. A new size resizes the subviews by their masks, and asks for layout and drawing.
+    // In the superview's coordinates. A new size resizes the subviews by their masks, and asks for layout and
+    // drawing.
     const NSRect& frame() const { return frame_; }
     void setFrame(const NSRect& frame);
     void setFrameOrigin(const NSPoint& origin) { setFrame({origin, frame_.size}); }
@@ -106,7 +107,7 @@ protected:
     virtual std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                      port::ViewClient& client);
     port::ViewPeer* peer() const { return peer_.get(); } // null while the view stands in no realised window
-    virtual void peerWillGo() {} // forget pointers to it
+    virtual void peerWillGo() {}                         // forget pointers to it
 
 private:
     friend class NSWindow;

@@ -36,16 +36,17 @@ public:
     virtual void windowDidResignKey(NSWindow&) {}
 };
 
-// A window. Its content fills it; window coordinates have their origin at the lower left of the content. A window that
-// was shown is held by the application until it closes. It is realised, with all its views, when it is first shown, and
-// comes to be without a real window again when it closes. Main thread only.
+// A window. Its content fills it; window coordinates have their origin at the lower left of the content. A
+// window that was shown is held by the application until it closes. It is realised, with all its views, when it
+// is first shown, and comes to be without a real window again when it closes. Main thread only.
 class NSWindow : public NSResponder {
 public:
     ZR_CLASS(NSWindow, NSResponder)
     NSWindow();
     ~NSWindow() override;
 
-    // The content's size; where the window stands is up to the window system. `backing` and `defer` have no effect.
+    // The content's size; where the window stands is up to the window system. `backing` and `defer` have no
+    // effect.
     bool initWithContentRect_styleMask_backing_defer(const NSRect& contentRect, unsigned styleMask,
                                                      NSBackingStoreType backing, bool defer);
     void dealloc() override;
@@ -77,7 +78,8 @@ public:
 
     void sendEvent(const NSEvent& event);
 
-    // Screen coordinates: points, y up, origin at the lower left of the primary screen. Zero origin while not realised.
+    // Screen coordinates: points, y up, origin at the lower left of the primary screen. Zero origin while not
+    // realised.
     NSRect convertRectToScreen(const NSRect& rect) const;
     double backingScaleFactor() const; // device pixels for a point
 

@@ -59,11 +59,11 @@ struct InputEvent {
     std::uint32_t modifierFlags = 0;
     std::uint16_t keyCode = kKeyCodeUnknown;
     bool isARepeat = false;
-    int clickCount = 0;      // of presses and releases: 1, 2 for a double click, ...
+    int clickCount = 0;         // of presses and releases: 1, 2 for a double click, ...
     double scrollingDeltaX = 0; // lines; positive scrolls towards the left
     double scrollingDeltaY = 0; // lines; positive scrolls towards the top
-    double timestamp = 0;    // seconds of a monotonic clock
-    std::string characters{}; // of key events, UTF-8
+    double timestamp = 0;       // seconds of a monotonic clock
+    std::string characters{};   // of key events, UTF-8
     std::string charactersIgnoringModifiers{};
 };
 

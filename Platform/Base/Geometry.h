@@ -31,7 +31,9 @@ inline constexpr NSRect NSZeroRect{};
 
 constexpr NSPoint NSMakePoint(double x, double y) { return {x, y}; }
 constexpr NSSize NSMakeSize(double width, double height) { return {width, height}; }
-constexpr NSRect NSMakeRect(double x, double y, double width, double height) { return {{x, y}, {width, height}}; }
+constexpr NSRect NSMakeRect(double x, double y, double width, double height) {
+    return {{x, y}, {width, height}};
+}
 
 constexpr double NSMinX(const NSRect& r) { return r.origin.x; }
 constexpr double NSMinY(const NSRect& r) { return r.origin.y; }
@@ -55,8 +57,8 @@ constexpr bool NSPointInRect(const NSPoint& p, const NSRect& r) {
     return p.x >= NSMinX(r) && p.x < NSMaxX(r) && p.y >= NSMinY(r) && p.y < NSMaxY(r);
 }
 
-// The hit test of a pointer: in unflipped coordinates the top edge belongs to the rectangle and the bottom edge does not,
-// so that the topmost row of pixels of a view is part of it.
+// The hit test of a pointer: in unflipped coordinates the top edge belongs to the rectangle and the bottom edge
+// does not, so that the topmost row of pixels of a view is part of it.
 constexpr bool NSMouseInRect(const NSPoint& p, const NSRect& r, bool flipped) {
     if (flipped) return NSPointInRect(p, r);
     return p.x >= NSMinX(r) && p.x < NSMaxX(r) && p.y > NSMinY(r) && p.y <= NSMaxY(r);

@@ -16,11 +16,11 @@ struct PathElement {
     std::array<CGPoint, 3> points{};
 };
 
-// An outline. The simple shapes keep their parameters, so that a canvas can paint them directly; any other outline is a
-// list of elements. Coordinates are those of the view that draws.
+// An outline. The simple shapes keep their parameters, so that a canvas can paint them directly; any other
+// outline is a list of elements. Coordinates are those of the view that draws.
 struct Path {
     PathShape shape = PathShape::elements;
-    CGRect bounds;     // of rectangle, rounded rectangle and oval
+    CGRect bounds;      // of rectangle, rounded rectangle and oval
     double xRadius = 0; // of the corners of a rounded rectangle, at most half its width
     double yRadius = 0; // likewise, at most half its height
     std::vector<PathElement> elements{};

@@ -29,7 +29,8 @@ struct Action {
 
 struct Outlet {
     std::string_view name;
-    bool (*connect)(NSObject& owner, const std::shared_ptr<NSObject>& value); // false when it is of another kind
+    bool (*connect)(NSObject& owner,
+                    const std::shared_ptr<NSObject>& value); // false when it is of another kind
 };
 
 struct Attribute {
@@ -37,12 +38,13 @@ struct Attribute {
     bool (*assign)(NSObject& object, const RuntimeValue& value); // false when it is of another kind
 };
 
-// What is known of a class at run time, by the original names. Each class has one, beside its source; look-ups go on in
-// the superclass.
+// What is known of a class at run time, by the original names. Each class has one, beside its source; look-ups
+// go on in the superclass.
 struct ClassTable {
     std::string_view name;
     const ClassTable* superclass = nullptr;
-    std::shared_ptr<NSObject> (*make)(NSCoder* coder) = nullptr; // by initWithCoder where there is a coder, else by init
+    std::shared_ptr<NSObject> (*make)(NSCoder* coder) =
+        nullptr; // by initWithCoder where there is a coder, else by init
     std::vector<Action> actions{};
     std::vector<Outlet> outlets{};
     std::vector<Attribute> attributes{};
@@ -69,14 +71,18 @@ struct SetterOf<Result (T::*)(Value)> {
     using Argument = std::remove_cvref_t<Value>;
 };
 
-
 template <class Argument>
 const auto* attributeValue(const RuntimeValue& value) {
-    if constexpr (std::is_same_v<Argument, bool>) return std::get_if<bool>(&value);
-    else if constexpr (std::is_arithmetic_v<Argument>) return std::get_if<double>(&value);
-    else if constexpr (std::is_same_v<Argument, NSPoint>) return std::get_if<NSPoint>(&value);
-    else if constexpr (std::is_constructible_v<Argument, Colour>) return std::get_if<Colour>(&value);
-    else return std::get_if<std::string>(&value);
+    if constexpr (std::is_same_v<Argument, bool>)
+        return std::get_if<bool>(&value);
+    else if constexpr (std::is_arithmetic_v<Argument>)
+        return std::get_if<double>(&value);
+    else if constexpr (std::is_same_v<Argument, NSPoint>)
+        return std::get_if<NSPoint>(&value);
+    else if constexpr (std::is_constructible_v<Argument, Colour>)
+        return std::get_if<Colour>(&value);
+    else
+        return std::get_if<std::string>(&value);
 }
 
 } // namespace detail

@@ -14,28 +14,30 @@ namespace zr {
 
 class NSImage;
 
-// A folder of resources: pictures and, in LANGUAGE.lproj folders, tables of strings. From any thread, but for images,
-// which belong to the main thread. The main bundle and the kit's live as long as the installed host.
+// A folder of resources: pictures and, in LANGUAGE.lproj folders, tables of strings. From any thread, but for
+// images, which belong to the main thread. The main bundle and the kit's live as long as the installed host.
 class NSBundle : public NSObject {
 public:
     ZR_CLASS(NSBundle, NSObject)
 
     static NSBundle& mainBundle();
-    // The bundle that holds the class: the kit's for classes of the kit and the layer, the main bundle for any other.
+    // The bundle that holds the class: the kit's for classes of the kit and the layer, the main bundle for any
+    // other.
     static NSBundle& bundleForClass(const ClassTable& table);
 
     bool initWithPath(const std::filesystem::path& path);
     const std::filesystem::path& bundlePath() const { return path_; }
 
-    // The text for the key in table.strings of the best language; a table without a name is "Localizable". An entry with
-    // an empty text counts. Without an entry: the value or, where that is empty, the key. Never an error: a table that is
-    // missing is an empty one, and so is one with a syntax error, which is logged once. A table is read once.
+    // The text for the key in table.strings of the best language; a table without a name is "Localizable". An
+    // entry with an empty text counts. Without an entry: the value or, where that is empty, the key. Never an
+    // error: a table that is missing is an empty one, and so is one with a syntax error, which is logged once.
+    // A table is read once.
     std::string localizedStringForKey_value_table(const std::optional<std::string>& key,
                                                   const std::optional<std::string>& value,
                                                   const std::optional<std::string>& table) const;
 
-    // The picture of that name with all its variants (NAME.png, NAME@2x.png, NAME~dark.png, NAME~dark@2x.png), shared by
-    // all who ask while it lives; null when there is none. The extension may be given.
+    // The picture of that name with all its variants (NAME.png, NAME@2x.png, NAME~dark.png, NAME~dark@2x.png),
+    // shared by all who ask while it lives; null when there is none. The extension may be given.
     std::shared_ptr<NSImage> imageForResource(std::string_view name) const;
 
     // Names of the languages there are strings for, sorted.

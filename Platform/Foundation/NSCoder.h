@@ -7,7 +7,8 @@
 
 namespace zr {
 
-// What an archived object is made from: values by key. A key that is not there, or is of another kind, gives nothing.
+// What an archived object is made from: values by key. A key that is not there, or is of another kind, gives
+// nothing.
 class NSCoder {
 public:
     virtual ~NSCoder() = default;

@@ -7,12 +7,13 @@
 
 namespace zr {
 
-// Root of every class of the layer and the kit. Objects are made by zr::make and by nothing else, are shared, and live
-// as long as somebody holds them.
+// Root of every class of the layer and the kit. Objects are made by zr::make and by nothing else, are shared,
+// and live as long as somebody holds them.
 //
-// make<T>(...) constructs the object and then runs an initialiser, in which virtual calls and shared_from_this() work.
-// An initialiser that answers false makes make() answer null. When the last reference goes, dealloc() runs first, as the
-// class that was made, with all weak references to the object already null; then the destructors run.
+// make<T>(...) constructs the object and then runs an initialiser, in which virtual calls and
+// shared_from_this() work. An initialiser that answers false makes make() answer null. When the last reference
+// goes, dealloc() runs first, as the class that was made, with all weak references to the object already null;
+// then the destructors run.
 class NSObject : public std::enable_shared_from_this<NSObject> {
 public:
     NSObject(const NSObject&) = delete;
@@ -82,27 +83,30 @@ std::shared_ptr<T> retained(T* object) {
 namespace detail {
 template <class T>
 std::shared_ptr<NSObject> makeByTable(NSCoder* coder) {
-    if constexpr (requires(T& object, NSCoder& from) { object.initWithCoder(from); }) {
+    if constexpr (requires(T & object, NSCoder & from) { object.initWithCoder(from); }) {
         if (coder) return make<T>(*coder);
     }
     return make<T>();
 }
 } // namespace detail
 
-// Stands in the public part of a class and declares its table, which its source file defines with ZR_CLASS_TABLE.
-#define ZR_CLASS(Class, Superclass)                                                                                  \
-    using Self = Class;                                                                                              \
-    using Super = Superclass;                                                                                        \
-    static const ::zr::ClassTable& classTable();                                                                     \
+// Stands in the public part of a class and declares its table, which its source file defines with
+// ZR_CLASS_TABLE.
+#define ZR_CLASS(Class, Superclass)                                                                            \
+    using Self = Class;                                                                                        \
+    using Super = Superclass;                                                                                  \
+    static const ::zr::ClassTable& classTable();                                                               \
     const ::zr::ClassTable& class_() const override { return classTable(); }
 
-// ZR_CLASS_TABLE(SplitSliderView) or ZR_CLASS_TABLE(Pane, .actions = {...}, .outlets = {...}, .attributes = {...})
-#define ZR_CLASS_TABLE(Class, ...)                                                                                   \
-    const ::zr::ClassTable& Class::classTable() {                                                                    \
-        static const ::zr::ClassTable table{.name = #Class,                                                          \
-                                            .superclass = &Super::classTable(),                                      \
-                                            .make = &::zr::detail::makeByTable<Class> __VA_OPT__(, ) __VA_ARGS__};   \
-        return table;                                                                                                \
+// ZR_CLASS_TABLE(SplitSliderView) or ZR_CLASS_TABLE(Pane, .actions = {...}, .outlets = {...}, .attributes =
+// {...})
+#define ZR_CLASS_TABLE(Class, ...)                                                                             \
+    const ::zr::ClassTable& Class::classTable() {                                                              \
+        static const ::zr::ClassTable table{.name = #Class,                                                    \
+                                            .superclass = &Super::classTable(),                                \
+                                            .make =                                                            \
+                                                &::zr::detail::makeByTable<Class> __VA_OPT__(, ) __VA_ARGS__}; \
+        return table;                                                                                          \
     }
 
 } // namespace zr

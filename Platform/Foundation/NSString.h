@@ -18,7 +18,9 @@ public:
     using Value = std::variant<std::nullptr_t, std::int64_t, std::uint64_t, double, std::string>;
 
     FormatArgument(std::nullptr_t) {}
-    FormatArgument(const char* text) { text ? value_.emplace<std::string>(text) : value_.emplace<std::string>("(null)"); }
+    FormatArgument(const char* text) {
+        text ? value_.emplace<std::string>(text) : value_.emplace<std::string>("(null)");
+    }
     FormatArgument(std::string text) : value_(std::move(text)) {}
     FormatArgument(std::string_view text) : value_(std::string(text)) {}
     FormatArgument(const std::optional<std::string>& text) {
@@ -33,8 +35,8 @@ public:
         if (object) value_ = std::string(object->class_().name);
     }
     template <class T>
-        requires std::derived_from<T, NSObject>
-    FormatArgument(const std::shared_ptr<T>& object) : FormatArgument(static_cast<const NSObject*>(object.get())) {}
+    requires std::derived_from<T, NSObject> FormatArgument(const std::shared_ptr<T>& object)
+        : FormatArgument(static_cast<const NSObject*>(object.get())) {}
 
     const Value& value() const { return value_; }
 
@@ -42,9 +44,9 @@ private:
     Value value_ = nullptr;
 };
 
-// Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%. Length letters
-// (l, ll, q, z, h) are skipped: arguments know their size. A conversion without an argument stays as it is written.
-// Numbers are never localised.
+// Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%.
+// Length letters (l, ll, q, z, h) are skipped: arguments know their size. A conversion without an argument
+// stays as it is written. Numbers are never localised.
 std::string formatArguments(std::string_view format, std::span<const FormatArgument> arguments);
 
 template <class... Arguments>

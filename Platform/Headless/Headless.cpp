@@ -1,5 +1,4 @@
 #include "Headless.h"
-
 #include "HeadlessQueues.h"
 #include "RecordingCanvas.h"
 

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-// A window system without a screen: time is virtual, drawing is recorded as text, the user is played by the program.
-// Nothing in it ever blocks. Made for tests; main thread only unless it says otherwise.
+// A window system without a screen: time is virtual, drawing is recorded as text, the user is played by the
+// program. Nothing in it ever blocks. Made for tests; main thread only unless it says otherwise.
 namespace zr::headless {
 
 class System;
@@ -27,7 +27,8 @@ public:
     virtual CGSize contentSize() const = 0;
     virtual bool isVisible() const = 0;
 
-    // What the user does. Each ends with a display cycle, as an event does on a screen. Answers whether the window took it.
+    // What the user does. Each ends with a display cycle, as an event does on a screen. Answers whether the
+    // window took it.
     bool mouseDown(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
     bool mouseDragged(CGPoint point, std::uint32_t modifierFlags = 0);
     bool mouseUp(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
@@ -35,14 +36,15 @@ public:
     bool keyDown(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
     bool keyUp(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
     virtual bool send(InputEvent eventInWindowCoordinates) = 0;
-    virtual void resizeByUser(CGSize contentSize) = 0; // within the limits
+    virtual void resizeByUser(CGSize contentSize) = 0;  // within the limits
     virtual void moveByUser(CGPoint contentOrigin) = 0; // from the top left of the screen
-    virtual bool closeByUser() = 0; // false when it did not want to
+    virtual bool closeByUser() = 0;                     // false when it did not want to
     virtual void setKey(bool key) = 0;
     // The real window is taken away, as when a host deletes it.
     virtual void destroy() = 0;
 
-    // Of the view of that name: what it drew last, how often it has drawn, where it stands (y-down, in the content).
+    // Of the view of that name: what it drew last, how often it has drawn, where it stands (y-down, in the
+    // content).
     virtual const std::vector<std::string>& drawing(std::string_view viewName) const = 0;
     virtual int drawCount(std::string_view viewName) const = 0;
     virtual std::optional<CGRect> frameInContent(std::string_view viewName) const = 0;
@@ -56,7 +58,8 @@ struct Options {
     Appearance appearance = Appearance::light;
     std::vector<std::string> preferredLanguages = {"en"};
     std::filesystem::path mainBundle = "/nonexistent";
-    bool workerThread = false; // background blocks run on a thread of their own, instead of waiting to be stepped
+    bool workerThread =
+        false; // background blocks run on a thread of their own, instead of waiting to be stepped
 };
 
 // Installed while it lives; at most one at a time.

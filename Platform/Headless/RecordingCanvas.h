@@ -7,8 +7,8 @@
 
 namespace zr::headless {
 
-// Writes a line for each operation, in the coordinates it was given. System colours appear by name, pictures by the name
-// of the file that was chosen.
+// Writes a line for each operation, in the coordinates it was given. System colours appear by name, pictures by
+// the name of the file that was chosen.
 class RecordingCanvas final : public port::Canvas {
 public:
     RecordingCanvas(double scale, Appearance appearance) : scale_(scale), appearance_(appearance) {}
@@ -21,7 +21,8 @@ public:
     void image(const std::vector<port::ImageRepresentation>& representations, CGSize imageSize,
                const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
                double fraction) override;
-    void text(std::string_view text, const FontDescription& font, const Colour& colour, CGPoint origin) override;
+    void text(std::string_view text, const FontDescription& font, const Colour& colour,
+              CGPoint origin) override;
 
     const std::vector<std::string>& lines() const { return lines_; }
 

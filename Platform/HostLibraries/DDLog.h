@@ -34,7 +34,7 @@ struct DDLogMessage {
     int level = 0;
     int flag = 0;
     int context = 0;
-    std::string file; // the source's path
+    std::string file;     // the source's path
     std::string fileName; // without folders and extension
     std::string function;
     int line = 0;
@@ -50,8 +50,8 @@ public:
     virtual void logMessage(const DDLogMessage& message) = 0;
 };
 
-// The log. Records go to every logger whose level has their flag, one at a time and in order; without loggers they go
-// nowhere. From any thread.
+// The log. Records go to every logger whose level has their flag, one at a time and in order; without loggers
+// they go nowhere. From any thread.
 class DDLog {
 public:
     static void addLogger(const std::shared_ptr<DDLogger>& logger, int level = DDLogLevelAll);
@@ -59,14 +59,12 @@ public:
     // Returns when all records so far have been handled.
     static void flushLog();
 
-    // An asynchronous record is handled later, on a background queue; with one that is not, the call returns when every
-    // logger has handled it.
+    // An asynchronous record is handled later, on a background queue; with one that is not, the call returns
+    // when every logger has handled it.
     template <class... Arguments>
-    static void log_level_flag_context_file_function_line_tag_format(bool asynchronous, int level, int flag, int context,
-                                                                     const char* file, const char* function, int line,
-                                                                     const std::shared_ptr<NSObject>& tag,
-                                                                     std::string_view format,
-                                                                     const Arguments&... arguments) {
+    static void log_level_flag_context_file_function_line_tag_format(
+        bool asynchronous, int level, int flag, int context, const char* file, const char* function, int line,
+        const std::shared_ptr<NSObject>& tag, std::string_view format, const Arguments&... arguments) {
         DDLogMessage message;
         message.message = stringWithFormat(format, arguments...);
         message.format = std::string(format);

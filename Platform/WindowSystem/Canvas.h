@@ -12,7 +12,8 @@
 
 namespace zr::port {
 
-// Pixels that the window system holds. Made by Graphics, shared freely, never changed while somebody draws them.
+// Pixels that the window system holds. Made by Graphics, shared freely, never changed while somebody draws
+// them.
 class Bitmap {
 public:
     virtual ~Bitmap() = default;
@@ -26,17 +27,18 @@ struct ImageRepresentation {
     Appearance appearance = Appearance::light;
 };
 
-// The representation for a canvas of that scale and appearance: of its appearance where there is one, then the smallest that
-// has pixels enough, else the largest. Null for none.
-const ImageRepresentation* bestRepresentation(const std::vector<ImageRepresentation>& representations, double scale,
-                                              Appearance appearance);
+// The representation for a canvas of that scale and appearance: of its appearance where there is one, then the
+// smallest that has pixels enough, else the largest. Null for none.
+const ImageRepresentation* bestRepresentation(const std::vector<ImageRepresentation>& representations,
+                                              double scale, Appearance appearance);
 
 struct StrokeStyle {
     double lineWidth = 1; // 0: the thinnest line there is
 };
 
-// Where a drawing pass goes. Coordinates are those of the view that draws, in points: the canvas knows the height of the
-// pass and whether y runs up, and turns it over where the window system needs that. Colours come with each operation.
+// Where a drawing pass goes. Coordinates are those of the view that draws, in points: the canvas knows the
+// height of the pass and whether y runs up, and turns it over where the window system needs that. Colours come
+// with each operation.
 class Canvas {
 public:
     virtual ~Canvas() = default;
@@ -51,9 +53,10 @@ public:
     virtual void image(const std::vector<ImageRepresentation>& representations, CGSize imageSize,
                        const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
                        double fraction) = 0;
-    // One line of text; `origin` is the corner of its line box that has the smallest coordinates on an unflipped canvas
-    // (lower left) and on a flipped one (upper left).
-    virtual void text(std::string_view text, const FontDescription& font, const Colour& colour, CGPoint origin) = 0;
+    // One line of text; `origin` is the corner of its line box that has the smallest coordinates on an
+    // unflipped canvas (lower left) and on a flipped one (upper left).
+    virtual void text(std::string_view text, const FontDescription& font, const Colour& colour,
+                      CGPoint origin) = 0;
 };
 
 } // namespace zr::port

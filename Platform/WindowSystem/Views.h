@@ -9,8 +9,8 @@
 #include <string_view>
 
 // The port is y-down: origins are at the top left, lengths in points. Everything happens on the main thread.
-// A peer is owned by its client and tells it when the window system took the real thing away (peerGone); after that the
-// peer does nothing any more. A client may destroy its peer in the middle of a call from it.
+// A peer is owned by its client and tells it when the window system took the real thing away (peerGone); after
+// that the peer does nothing any more. A client may destroy its peer in the middle of a call from it.
 namespace zr::port {
 
 class Canvas;
@@ -29,18 +29,20 @@ public:
 class ViewPeer {
 public:
     virtual ~ViewPeer() = default;
-    virtual void setFrame(const CGRect& frameInParent) = 0; // exact; the adaptor rounds where its widgets need it
+    virtual void
+    setFrame(const CGRect& frameInParent) = 0; // exact; the adaptor rounds where its widgets need it
     virtual void setHidden(bool hidden) = 0;
-    virtual void raise() = 0; // in front of its siblings
+    virtual void raise() = 0;      // in front of its siblings
     virtual void invalidate() = 0; // the whole view is drawn again at the end of the current event
-    virtual void focus() = 0; // takes the keyboard
+    virtual void focus() = 0;      // takes the keyboard
     virtual void setName(const std::string& name) = 0; // for tests and accessibility
 };
 
 class LabelPeer : public virtual ViewPeer {
 public:
     virtual void setText(const std::string& text) = 0;
-    virtual void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) = 0;
+    virtual void setAppearance(const FontDescription& font, const Colour& colour,
+                               NSTextAlignment alignment) = 0;
 };
 
 class ButtonClient {
@@ -59,8 +61,8 @@ public:
 class WindowClient {
 public:
     virtual ~WindowClient() = default;
-    // Location: from the top left of the content. Answers whether the responder chain took the event; what it did not
-    // take belongs to whoever hosts the content.
+    // Location: from the top left of the content. Answers whether the responder chain took the event; what it
+    // did not take belongs to whoever hosts the content.
     virtual bool peerEvent(const InputEvent& event) = 0;
     virtual void peerContentResized(CGSize size) = 0;
     virtual void peerUpdate() = 0; // what scheduleUpdate asked for; comes before the next drawing
@@ -80,9 +82,9 @@ public:
     virtual void setTitle(const std::string& title) = 0;
     virtual void setContentSize(CGSize size) = 0;
     virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;
-    virtual void scheduleUpdate() = 0; // asks for one peerUpdate
+    virtual void scheduleUpdate() = 0;                 // asks for one peerUpdate
     virtual CGPoint contentOriginOnScreen() const = 0; // from the top left of the primary screen
-    virtual double backingScale() const = 0; // device pixels for a point
+    virtual double backingScale() const = 0;           // device pixels for a point
 };
 
 } // namespace zr::port

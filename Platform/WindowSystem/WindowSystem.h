@@ -25,19 +25,21 @@ public:
 class PeerFactory {
 public:
     virtual ~PeerFactory() = default;
-    virtual std::unique_ptr<WindowPeer> makeWindow(WindowClient& client, CGSize contentSize, bool resizable) = 0;
+    virtual std::unique_ptr<WindowPeer> makeWindow(WindowClient& client, CGSize contentSize,
+                                                   bool resizable) = 0;
     virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
     virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;
     virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
-    virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client, ButtonClient& button) = 0;
+    virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,
+                                                   ButtonClient& button) = 0;
 };
 
 class WindowSystem : public Graphics, public PeerFactory {
 public:
     virtual Appearance appearance() const = 0;
     virtual void setAppearance(std::optional<Appearance> appearance) = 0; // nothing: follow the desktop
-    virtual CGSize screenSize() const = 0; // of the primary screen, points
-    virtual void run() = 0;  // until stop()
+    virtual CGSize screenSize() const = 0;                                // of the primary screen, points
+    virtual void run() = 0;                                               // until stop()
     virtual void stop() = 0;
 };
 
@@ -50,8 +52,8 @@ public:
     virtual void willEnd() = 0;
 };
 
-// Makes the window system the one that views, windows and the application object of this process use, with a new
-// application object. Ends with uninstall(). At most one at a time.
+// Makes the window system the one that views, windows and the application object of this process use, with a
+// new application object. Ends with uninstall(). At most one at a time.
 ApplicationClient& install(WindowSystem& windowSystem);
 void uninstall();
 

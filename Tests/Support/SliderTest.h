@@ -1,11 +1,10 @@
 #pragma once
 
+#include <AppKit/NSImage.h>
+#include <AppKit/NSWindow.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/SplitSliderView.h>
 #include <ZRUIKitHeadless/Headless.h>
-
-#include <AppKit/NSImage.h>
-#include <AppKit/NSWindow.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,9 +28,15 @@ public:
     void sliderView_beginDragAt(BaseSliderView&, double value) override { add("begin " + written(value)); }
     void sliderView_didChangeValue(BaseSliderView&, double value) override { add("change " + written(value)); }
     void sliderView_endDragAt(BaseSliderView&, double value) override { add("end " + written(value)); }
-    void splitSliderViewBeginDragClip_bLeftClip(SplitSliderView& view, bool left) override { clip("begin clip", view, left); }
-    void splitSliderViewDragClipTo_bLeftClip(SplitSliderView& view, bool left) override { clip("drag clip", view, left); }
-    void splitSliderViewEndDragClip_bLeftClip(SplitSliderView& view, bool left) override { clip("end clip", view, left); }
+    void splitSliderViewBeginDragClip_bLeftClip(SplitSliderView& view, bool left) override {
+        clip("begin clip", view, left);
+    }
+    void splitSliderViewDragClipTo_bLeftClip(SplitSliderView& view, bool left) override {
+        clip("drag clip", view, left);
+    }
+    void splitSliderViewEndDragClip_bLeftClip(SplitSliderView& view, bool left) override {
+        clip("end clip", view, left);
+    }
 
     // What came since the last call.
     std::vector<std::string> taken() { return std::exchange(messages_, {}); }
@@ -49,7 +54,8 @@ private:
 };
 
 inline constexpr NSRect kSliderFrame = {{0, 0}, {220, 30}};
-inline constexpr const char* kTrackLine = "fill rounded {{10, 13.5}, {200, 3}} radius {1.5, 1.5} tertiaryLabelColor";
+inline constexpr const char* kTrackLine =
+    "fill rounded {{10, 13.5}, {200, 3}} radius {1.5, 1.5} tertiaryLabelColor";
 
 // A slider of 220 by 30 points that fills a window, so that its coordinates are those of the window.
 template <class Slider>

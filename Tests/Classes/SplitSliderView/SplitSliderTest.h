@@ -12,8 +12,8 @@ inline std::shared_ptr<NSImage> picture(const std::string& name, NSSize size) {
     return image;
 }
 
-// A split slider with handles of 8 by 12 points and the clip 0 to 1000. The left handle is drawn at (2, 16.5), the right
-// one at (210, 16.5).
+// A split slider with handles of 8 by 12 points and the clip 0 to 1000. The left handle is drawn at (2, 16.5),
+// the right one at (210, 16.5).
 class SplitSliderTest : public SliderTest<SplitSliderView> {
 protected:
     void SetUp() override {

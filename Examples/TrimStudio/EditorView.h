@@ -1,0 +1,59 @@
+#pragma once
+
+#include "WaveformView.h"
+
+#include <AppKit/NSButton.h>
+#include <AppKit/NSTextField.h>
+#include <ZRUIKit/SplitSliderView.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace trimstudio {
+
+// The slider, which tells when it has been drawn: only then are its handles where its rectangles say.
+class ClipSlider : public zr::SplitSliderView {
+public:
+    ZR_CLASS(ClipSlider, zr::SplitSliderView)
+    void setDidDraw(std::function<void()> didDraw) { didDraw_ = std::move(didDraw); }
+    void drawRect(const zr::NSRect& dirty) override;
+
+private:
+    std::function<void()> didDraw_;
+};
+
+// The window's content: it makes the views and places them.
+class EditorView : public zr::NSView {
+public:
+    ZR_CLASS(EditorView, zr::NSView)
+
+    bool initWithFrame(const zr::NSRect& frame) override;
+    void layout() override;
+
+    // Without a file there is nothing to edit: only the message remains.
+    void setEditing(bool editing);
+    void setMessage(const std::string& text, bool isError);
+
+    const std::shared_ptr<zr::NSTextField>& nameLabel() const { return nameLabel_; }
+    const std::shared_ptr<zr::NSTextField>& lengthLabel() const { return lengthLabel_; }
+    const std::shared_ptr<WaveformView>& waveform() const { return waveform_; }
+    const std::shared_ptr<ClipSlider>& slider() const { return slider_; }
+    const std::shared_ptr<zr::NSTextField>& startLabel() const { return startLabel_; }
+    const std::shared_ptr<zr::NSTextField>& clipLabel() const { return clipLabel_; }
+    const std::shared_ptr<zr::NSTextField>& endLabel() const { return endLabel_; }
+    const std::shared_ptr<zr::NSTextField>& messageLabel() const { return messageLabel_; }
+    const std::shared_ptr<zr::NSButton>& saveButton() const { return saveButton_; }
+
+private:
+    std::shared_ptr<zr::NSTextField> addLabel(const std::string& identifier, const zr::NSFont& font,
+                                              zr::NSTextAlignment alignment);
+
+    std::shared_ptr<zr::NSTextField> nameLabel_, lengthLabel_, startLabel_, clipLabel_, endLabel_,
+        messageLabel_;
+    std::shared_ptr<WaveformView> waveform_;
+    std::shared_ptr<ClipSlider> slider_;
+    std::shared_ptr<zr::NSButton> saveButton_;
+};
+
+} // namespace trimstudio

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Description.h"
+#include "EditorView.h"
+#include "MediaFile.h"
+#include "SaveTrimmed.h"
+#include "StartFinder.h"
+
+#include <AppKit/NSWindow.h>
+#include <ZRUIKit/BaseSliderView.h>
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace trimstudio {
+
+// One window for one file: opens it, lets the user choose a clip and saves that beside the original. Reading
+// and writing happen in the background; closing the window ends them. The slider counts milliseconds.
+class TrimWindow : public zr::NSObject, public zr::SliderViewDelegate, public zr::NSWindowDelegate {
+public:
+    ZR_CLASS(TrimWindow, zr::NSObject)
+
+    // With `describes`, every change is described on standard output.
+    bool initWithPath_describes(const std::filesystem::path& path, bool describes);
+    void dealloc() override;
+
+    void show();
+    void saveTrimmed(zr::NSObject* sender); // the button's action
+    // Whether the last thing that was tried with this file did not work.
+    bool failed() const { return failed_; }
+
+    void splitSliderViewDragClipTo_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
+    void splitSliderViewEndDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
+    void windowWillClose(zr::NSWindow& window) override;
+    void windowDidResize(zr::NSWindow& window) override;
+    void windowDidMove(zr::NSWindow& window) override;
+
+private:
+    // Shared with the background: what it is to look at, and an end to its work.
+    struct Jobs {
+        std::atomic<bool> cancelled = false;
+        std::mutex finderLock;
+        std::optional<StartFinder> finder; // guarded by finderLock
+    };
+
+    void open();
+    void opened(Outcome<MediaFile> outcome);
+    void readWaveform();
+    void clipChanged();
+    void findRealStart();
+    void realStartFound(int request, double asked, double found);
+    void saveEnded(const Outcome<Trimmed>& outcome);
+    void succeed(const std::string& message);
+    void fail(const std::string& message);
+    void updateButton();
+    void describeSoon();
+
+    std::filesystem::path path_;
+    std::optional<MediaFile> file_;
+    std::optional<std::string> saved_;
+    std::shared_ptr<zr::NSWindow> window_;
+    std::shared_ptr<EditorView> editor_;
+    std::shared_ptr<Jobs> jobs_ = std::make_shared<Jobs>();
+    std::string lastDescription_;
+    int startRequest_ = 0; // counts drags, so that only the answer to the last one is used
+    bool findingStart_ = false;
+    bool saving_ = false;
+    bool failed_ = false;
+    bool describes_ = false;
+    bool descriptionPosted_ = false;
+};
+
+} // namespace trimstudio

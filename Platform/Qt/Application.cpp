@@ -1,0 +1,43 @@
+#include "Application.h"
+#include "QtQueues.h"
+#include "QtWindowSystem.h"
+
+#include <FoundationBackends/Host.h>
+
+#include <QApplication>
+
+namespace zr::qt {
+
+struct Platform::Parts {
+    std::shared_ptr<QtQueues> queues = std::make_shared<QtQueues>();
+    QtWindowSystem system;
+};
+
+Platform::Platform(Options options) : parts_(std::make_unique<Parts>()) {
+    backend::install({.queues = parts_->queues,
+                      .mainBundle = std::move(options.mainBundle),
+                      .preferredLanguages = std::move(options.preferredLanguages)});
+    parts_->system.setClient(&port::install(parts_->system));
+}
+
+Platform::~Platform() {
+    parts_->system.setClient(nullptr);
+    port::uninstall();
+    parts_->queues->finish();
+    // Widgets that were let go of go now, while Qt is still there.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    backend::uninstall();
+}
+
+struct Application::Parts {
+    Parts(int& argc, char** argv, Options options) : qt(argc, argv), platform(std::move(options)) {}
+    QApplication qt;
+    Platform platform;
+};
+
+Application::Application(int& argc, char** argv, Options options)
+    : parts_(std::make_unique<Parts>(argc, argv, std::move(options))) {}
+
+Application::~Application() = default;
+
+} // namespace zr::qt

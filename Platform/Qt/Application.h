@@ -1,0 +1,47 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// The kit on Qt. No header of Qt is needed to use it.
+namespace zr::qt {
+
+struct Options {
+    // Folder of the application's resources; by default share/NAME beside the folder of the executable NAME.
+    std::optional<std::filesystem::path> mainBundle;
+    // Languages the user prefers, best first; by default those of the environment.
+    std::optional<std::vector<std::string>> preferredLanguages;
+};
+
+// Makes Qt the window system of the kit while it lives. For programs that have a QApplication of their own,
+// which must exist before and live longer. Main thread only; at most one at a time.
+class Platform {
+public:
+    explicit Platform(Options options = {});
+    ~Platform();
+    Platform(const Platform&) = delete;
+    Platform& operator=(const Platform&) = delete;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+// The same, for programs without a QApplication: it makes one. Then NSApplication::sharedApplication().run().
+class Application {
+public:
+    // Qt takes its own options out of the arguments; both must live as long as this.
+    Application(int& argc, char** argv, Options options = {});
+    ~Application();
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace zr::qt

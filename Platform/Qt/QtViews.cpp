@@ -1,0 +1,175 @@
+#include "QtCanvas.h"
+#include "QtEvents.h"
+#include "QtViews.h"
+
+#include <QApplication>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QStyle>
+
+namespace zr::qt {
+
+namespace {
+
+// The widget is on its way out: tell the view, which lets go of its peer.
+void tellGone(port::ViewClient*& client) {
+    if (auto* const gone = std::exchange(client, nullptr)) gone->peerGone();
+}
+
+} // namespace
+
+Appearance appearanceOf(const QPalette& palette) {
+    const bool dark =
+        palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+    return dark ? Appearance::dark : Appearance::light;
+}
+
+// ViewWidget
+
+ViewWidget::ViewWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink, port::ViewClient& viewClient)
+    : QWidget(parent), link(std::move(windowLink)), client(&viewClient) {}
+
+ViewWidget::~ViewWidget() { tellGone(client); }
+
+void ViewWidget::place(const CGRect& frame) {
+    const QRect whole = PlainPeer::wholePoints(frame);
+    shift_ = QPointF(frame.origin.x - whole.x(), frame.origin.y - whole.y());
+    height_ = frame.size.height;
+    if (whole == geometry())
+        update();
+    else
+        setGeometry(whole);
+}
+
+void ViewWidget::paintEvent(QPaintEvent* event) {
+    if (!client) return;
+    QPainter painter(this);
+    QtCanvas canvas(painter, {.height = height_,
+                              .yUp = client->peerDrawsUpwards(),
+                              .shift = shift_,
+                              .appearance = appearanceOf(QApplication::palette())});
+    const QRectF dirty = QRectF(event->rect()).translated(-shift_);
+    client->peerDraw(canvas, {{dirty.x(), dirty.y()}, {dirty.width(), dirty.height()}});
+}
+
+// After the window got the event, this widget may be cut off from its view, or its window closed.
+void ViewWidget::offer(QInputEvent& event, InputEvent input, QPointF position) {
+    const auto held = link;
+    const bool declined =
+        held->declinedType == event.type() && held->declinedAt == event.timestamp() && event.timestamp() != 0;
+    event.ignore();
+    if (declined || !held->client || !held->content) return;
+    const QPointF inContent = QPointF(mapTo(held->content, QPoint(0, 0))) + position;
+    input.location = {inContent.x(), inContent.y()};
+    if (held->client->peerEvent(input)) {
+        event.accept();
+        return;
+    }
+    held->declinedType = event.type();
+    held->declinedAt = event.timestamp();
+}
+
+void ViewWidget::mouse(QMouseEvent& event) {
+    if (const auto input = inputEvent(event)) offer(event, *input, event.position());
+}
+
+void ViewWidget::wheelEvent(QWheelEvent* event) { offer(*event, inputEvent(*event), event->position()); }
+
+void ViewWidget::key(QKeyEvent& event) { offer(event, inputEvent(event), {}); }
+
+void ViewWidget::focusInEvent(QFocusEvent*) {
+    if (client) client->peerFocusChanged(true);
+}
+
+void ViewWidget::focusOutEvent(QFocusEvent*) {
+    if (client) client->peerFocusChanged(false);
+}
+
+// LabelWidget
+
+LabelWidget::LabelWidget(QWidget* parent, port::ViewClient& viewClient) : QLabel(parent), client(&viewClient) {
+    setTextFormat(Qt::PlainText);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+LabelWidget::~LabelWidget() { tellGone(client); }
+
+void LabelWidget::setColour(const Colour& colour) {
+    colour_ = colour;
+    applyColour();
+}
+
+void LabelWidget::applyColour() {
+    const QColor colour = colourFor(colour_, appearanceOf(QApplication::palette()));
+    if (palette().color(QPalette::WindowText) == colour) return;
+    QPalette own;
+    own.setColor(QPalette::WindowText, colour);
+    setPalette(own);
+}
+
+void LabelWidget::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) applyColour();
+    QLabel::changeEvent(event);
+}
+
+void LabelWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
+                          QPalette::WindowText);
+}
+
+// ButtonWidget
+
+ButtonWidget::ButtonWidget(QWidget* parent, port::ViewClient& viewClient, port::ButtonClient& buttonClient)
+    : QPushButton(parent), client(&viewClient), button(&buttonClient) {
+    QObject::connect(this, &QPushButton::clicked, this, [this] {
+        if (client) button->peerPressed();
+    });
+}
+
+ButtonWidget::~ButtonWidget() { tellGone(client); }
+
+void ButtonWidget::focusInEvent(QFocusEvent* event) {
+    QPushButton::focusInEvent(event);
+    if (client) client->peerFocusChanged(true);
+}
+
+void ButtonWidget::focusOutEvent(QFocusEvent* event) {
+    QPushButton::focusOutEvent(event);
+    if (client) client->peerFocusChanged(false);
+}
+
+// Peers
+
+void LabelPeer::setText(const std::string& text) {
+    if (widget_) widget_->setText(QString::fromStdString(text));
+}
+
+void LabelPeer::setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) {
+    if (!widget_) return;
+    widget_->setFont(fontFor(font));
+    widget_->setColour(colour);
+    const auto horizontal = alignment == NSTextAlignmentRight    ? Qt::AlignRight
+                            : alignment == NSTextAlignmentCenter ? Qt::AlignHCenter
+                                                                 : Qt::AlignLeft;
+    widget_->setAlignment(horizontal | Qt::AlignVCenter);
+}
+
+void ButtonPeer::setTitle(const std::string& title) {
+    if (!widget_) return;
+    // An ampersand is a character of the title, not the mark of a shortcut.
+    widget_->setText(QString::fromStdString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+}
+
+void ButtonPeer::setEnabled(bool enabled) {
+    if (widget_) widget_->setEnabled(enabled);
+}
+
+CGSize ButtonPeer::naturalSize() const {
+    if (!widget_) return {};
+    const QSize size = widget_->sizeHint();
+    return {double(size.width()), double(size.height())};
+}
+
+} // namespace zr::qt

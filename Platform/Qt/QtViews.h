@@ -1,0 +1,169 @@
+#pragma once
+
+#include <WindowSystem/Views.h>
+
+#include <QInputEvent>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QWidget>
+
+#include <memory>
+
+namespace zr::qt {
+
+// Shared by all the widgets of one window; the client is null once either side is gone.
+struct WindowLink {
+    port::WindowClient* client = nullptr;
+    QPointer<QWidget> content; // whose corner events are measured from
+    // The event that the window did not take: Qt offers it to the parents, too, which must not offer it again.
+    QEvent::Type declinedType = QEvent::None;
+    quint64 declinedAt = 0;
+};
+
+// The widget of a view that draws.
+class ViewWidget final : public QWidget {
+public:
+    ViewWidget(QWidget* parent, std::shared_ptr<WindowLink> link, port::ViewClient& viewClient);
+    ~ViewWidget() override;
+
+    void place(const CGRect& frame);
+
+    std::shared_ptr<WindowLink> link;
+    port::ViewClient* client; // null once the peer is gone
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override { mouse(*event); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override { mouse(*event); }
+    void mouseMoveEvent(QMouseEvent* event) override { mouse(*event); }
+    void mouseReleaseEvent(QMouseEvent* event) override { mouse(*event); }
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override { key(*event); }
+    void keyReleaseEvent(QKeyEvent* event) override { key(*event); }
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void mouse(QMouseEvent& event);
+    void key(QKeyEvent& event);
+    void offer(QInputEvent& event, InputEvent input, QPointF position);
+
+    QPointF shift_; // from the exact corner to the whole point where the widget stands
+    double height_ = 0;
+};
+
+// One line of text that is shortened where it does not fit.
+class LabelWidget final : public QLabel {
+public:
+    LabelWidget(QWidget* parent, port::ViewClient& viewClient);
+    ~LabelWidget() override;
+    void setColour(const Colour& colour);
+
+    port::ViewClient* client;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void applyColour();
+    Colour colour_{SystemColour::label};
+};
+
+class ButtonWidget final : public QPushButton {
+public:
+    ButtonWidget(QWidget* parent, port::ViewClient& viewClient, port::ButtonClient& buttonClient);
+    ~ButtonWidget() override;
+
+    port::ViewClient* client;
+    port::ButtonClient* button;
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+};
+
+// The way from any view peer of this adaptor to its widget.
+struct HasWidget {
+    virtual ~HasWidget() = default;
+    virtual QWidget* anyWidget() const = 0;
+    std::shared_ptr<WindowLink> link;
+};
+
+// A widget is never deleted directly, as one of its events may be under way: it is cut off, hidden and deleted
+// later.
+template <class Widget>
+void letGo(QPointer<Widget>& widget) {
+    if (!widget) return;
+    widget->client = nullptr;
+    widget->hide();
+    widget->setParent(nullptr);
+    widget->deleteLater();
+}
+
+// The shared body of all view peers.
+template <class Interface, class Widget>
+class PeerOf : public Interface, public HasWidget {
+public:
+    explicit PeerOf(Widget* widget) : widget_(widget) {}
+    ~PeerOf() override { letGo(widget_); }
+
+    void setFrame(const CGRect& frame) override {
+        if (!widget_) return;
+        if constexpr (requires { widget_->place(frame); })
+            widget_->place(frame);
+        else
+            widget_->setGeometry(wholePoints(frame));
+    }
+    void setHidden(bool hidden) override {
+        if (widget_) widget_->setVisible(!hidden);
+    }
+    void raise() override {
+        if (widget_) widget_->raise();
+    }
+    void invalidate() override {
+        if (widget_) widget_->update();
+    }
+    void focus() override {
+        if (widget_) widget_->setFocus(Qt::OtherFocusReason);
+    }
+    void setName(const std::string& name) override {
+        if (widget_) widget_->setObjectName(QString::fromStdString(name));
+    }
+    QWidget* anyWidget() const override { return widget_; }
+
+    // Each edge goes to the nearest whole point.
+    static QRect wholePoints(const CGRect& frame) {
+        const QPoint topLeft(qRound(NSMinX(frame)), qRound(NSMinY(frame)));
+        return {topLeft, QSize(qRound(NSMaxX(frame)) - topLeft.x(), qRound(NSMaxY(frame)) - topLeft.y())};
+    }
+
+protected:
+    QPointer<Widget> widget_;
+};
+
+class PlainPeer final : public PeerOf<port::ViewPeer, ViewWidget> {
+public:
+    using PeerOf::PeerOf;
+};
+
+class LabelPeer final : public PeerOf<port::LabelPeer, LabelWidget> {
+public:
+    using PeerOf::PeerOf;
+    void setText(const std::string& text) override;
+    void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) override;
+};
+
+class ButtonPeer final : public PeerOf<port::ButtonPeer, ButtonWidget> {
+public:
+    using PeerOf::PeerOf;
+    void setTitle(const std::string& title) override;
+    void setEnabled(bool enabled) override;
+    CGSize naturalSize() const override;
+};
+
+// Light or dark, as the palette has it.
+Appearance appearanceOf(const QPalette& palette);
+
+} // namespace zr::qt

@@ -1,0 +1,138 @@
+#include "QtWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zr::qt {
+
+namespace {
+
+const auto kUpdateEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+QSize wholeSize(CGSize size) {
+    const auto limited = [](double length) {
+        return static_cast<int>(std::clamp(std::round(length), 0.0, double(QWIDGETSIZE_MAX)));
+    };
+    return {limited(size.width), limited(size.height)};
+}
+
+CGSize sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
+
+} // namespace
+
+WindowWidget::WindowWidget(port::WindowClient& windowClient)
+    : QWidget(nullptr, Qt::Window), client(&windowClient) {
+    link->client = client;
+    setAttribute(Qt::WA_QuitOnClose, false); // the application object decides when the program ends
+}
+
+WindowWidget::~WindowWidget() {
+    link->client = nullptr;
+    if (auto* const gone = std::exchange(client, nullptr)) gone->peerGone();
+}
+
+void WindowWidget::scheduleUpdate() {
+    QCoreApplication::postEvent(this, new QEvent(kUpdateEvent), Qt::HighEventPriority);
+}
+
+bool WindowWidget::event(QEvent* event) {
+    if (event->type() == kUpdateEvent) {
+        if (client) client->peerUpdate();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+// The client closes by letting go of its peer, and so of this widget.
+void WindowWidget::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    if (client && client->peerShouldClose() && client) client->peerClosed();
+}
+
+void WindowWidget::resizeEvent(QResizeEvent*) {
+    if (contentWidget) contentWidget->place({{0, 0}, sizeOf(size())});
+    if (client) client->peerContentResized(sizeOf(size()));
+}
+
+void WindowWidget::moveEvent(QMoveEvent*) {
+    if (client) client->peerMoved();
+}
+
+void WindowWidget::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && client) client->peerKeyChanged(isActiveWindow());
+}
+
+WindowPeer::WindowPeer(port::WindowClient& client, CGSize contentSize, bool resizable)
+    : widget_(new WindowWidget(client)), resizable_(resizable) {
+    widget_->resize(wholeSize(contentSize));
+    if (!resizable_) widget_->setFixedSize(widget_->size());
+}
+
+WindowPeer::~WindowPeer() {
+    if (widget_) widget_->link->client = nullptr;
+    letGo(widget_);
+}
+
+std::unique_ptr<port::ViewPeer> WindowPeer::makeContent(port::ViewClient& client) {
+    auto* const content = new ViewWidget(widget_, widget_->link, client);
+    widget_->contentWidget = content;
+    widget_->link->content = content;
+    content->place({{0, 0}, sizeOf(widget_->size())});
+    content->show();
+    auto peer = std::make_unique<PlainPeer>(content);
+    peer->link = widget_->link;
+    return peer;
+}
+
+void WindowPeer::show(bool activate) {
+    if (!widget_) return;
+    widget_->setAttribute(Qt::WA_ShowWithoutActivating, !activate);
+    widget_->show();
+    if (!activate) return;
+    widget_->raise();
+    widget_->activateWindow();
+}
+
+void WindowPeer::hide() {
+    if (widget_) widget_->hide();
+}
+
+void WindowPeer::close() {
+    if (widget_ && widget_->client) widget_->client->peerClosed();
+}
+
+void WindowPeer::setTitle(const std::string& title) {
+    if (widget_) widget_->setWindowTitle(QString::fromStdString(title));
+}
+
+void WindowPeer::setContentSize(CGSize size) {
+    if (!widget_) return;
+    if (resizable_)
+        widget_->resize(wholeSize(size));
+    else
+        widget_->setFixedSize(wholeSize(size));
+}
+
+void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
+    if (!widget_ || !resizable_) return;
+    widget_->setMinimumSize(wholeSize(minimum));
+    widget_->setMaximumSize(wholeSize(maximum));
+}
+
+void WindowPeer::scheduleUpdate() {
+    if (widget_) widget_->scheduleUpdate();
+}
+
+CGPoint WindowPeer::contentOriginOnScreen() const {
+    if (!widget_) return {};
+    const QPointF origin = widget_->mapToGlobal(QPointF(0, 0));
+    return {origin.x(), origin.y()};
+}
+
+double WindowPeer::backingScale() const { return widget_ ? widget_->devicePixelRatioF() : 1; }
+
+} // namespace zr::qt

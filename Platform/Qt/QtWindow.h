@@ -1,0 +1,53 @@
+#pragma once
+
+#include "QtViews.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace zr::qt {
+
+// The top-level widget of a window; the content view's widget fills it.
+class WindowWidget final : public QWidget {
+public:
+    explicit WindowWidget(port::WindowClient& windowClient);
+    ~WindowWidget() override;
+
+    void scheduleUpdate();
+
+    port::WindowClient* client; // null once the peer is gone
+    std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
+    ViewWidget* contentWidget = nullptr;
+
+protected:
+    bool event(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void changeEvent(QEvent* event) override;
+};
+
+class WindowPeer final : public port::WindowPeer {
+public:
+    WindowPeer(port::WindowClient& client, CGSize contentSize, bool resizable);
+    ~WindowPeer() override;
+
+    void show(bool activate) override;
+    void hide() override;
+    void close() override;
+    void setTitle(const std::string& title) override;
+    void setContentSize(CGSize size) override;
+    void setContentLimits(CGSize minimum, CGSize maximum) override;
+    void scheduleUpdate() override;
+    CGPoint contentOriginOnScreen() const override;
+    double backingScale() const override;
+
+    std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client);
+
+private:
+    QPointer<WindowWidget> widget_;
+    bool resizable_;
+};
+
+} // namespace zr::qt

@@ -1,0 +1,124 @@
+#include "QtCanvas.h"
+#include "QtViews.h"
+#include "QtWindow.h"
+#include "QtWindowSystem.h"
+
+#include <QApplication>
+#include <QFontMetricsF>
+#include <QScreen>
+
+namespace zr::qt {
+
+namespace {
+
+QPalette lightPalette() {
+    QPalette palette(QColor(0xec, 0xec, 0xec));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::Button, QColor(0xf4, 0xf4, 0xf4));
+    return palette;
+}
+
+QPalette darkPalette() {
+    const QColor window(0x32, 0x32, 0x32), text(0xe8, 0xe8, 0xe8), faint(0x8a, 0x8a, 0x8a);
+    QPalette palette(QColor(0x46, 0x46, 0x46), window);
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x1e));
+    palette.setColor(QPalette::AlternateBase, QColor(0x28, 0x28, 0x28));
+    palette.setColor(QPalette::ToolTipBase, window);
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, faint);
+    }
+    palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Link, QColor(0x41, 0x9c, 0xff));
+    return palette;
+}
+
+template <class Peer, class Widget, class... Arguments>
+std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments) {
+    auto& hasWidget = dynamic_cast<HasWidget&>(parent);
+    Widget* widget = nullptr;
+    if constexpr (std::is_same_v<Widget, ViewWidget>)
+        widget = new ViewWidget(hasWidget.anyWidget(), hasWidget.link, arguments...);
+    else
+        widget = new Widget(hasWidget.anyWidget(), arguments...);
+    auto peer = std::make_unique<Peer>(widget);
+    peer->link = hasWidget.link;
+    widget->show();
+    return peer;
+}
+
+} // namespace
+
+QtWindowSystem::QtWindowSystem() {
+    QApplication::setQuitOnLastWindowClosed(false);
+    qApp->installEventFilter(this);
+}
+
+QtWindowSystem::~QtWindowSystem() {
+    if (qApp) qApp->removeEventFilter(this);
+}
+
+std::shared_ptr<port::Bitmap> QtWindowSystem::loadBitmap(const std::string& path) {
+    QImage image(QString::fromStdString(path));
+    if (image.isNull()) return nullptr;
+    return std::make_shared<QtBitmap>(image.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+TextSize QtWindowSystem::measure(std::string_view line, const FontDescription& font) {
+    const QFontMetricsF metrics(fontFor(font));
+    const QString text = QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
+    return {metrics.horizontalAdvance(text), metrics.ascent(), metrics.descent()};
+}
+
+std::unique_ptr<port::WindowPeer> QtWindowSystem::makeWindow(port::WindowClient& client, CGSize contentSize,
+                                                             bool resizable) {
+    return std::make_unique<WindowPeer>(client, contentSize, resizable);
+}
+
+std::unique_ptr<port::ViewPeer> QtWindowSystem::makeContentView(port::WindowPeer& window,
+                                                                port::ViewClient& client) {
+    return dynamic_cast<WindowPeer&>(window).makeContent(client);
+}
+
+std::unique_ptr<port::ViewPeer> QtWindowSystem::makeView(port::ViewPeer& parent, port::ViewClient& client) {
+    return makePeer<PlainPeer, ViewWidget>(parent, client);
+}
+
+std::unique_ptr<port::LabelPeer> QtWindowSystem::makeLabel(port::ViewPeer& parent, port::ViewClient& client) {
+    return makePeer<LabelPeer, LabelWidget>(parent, client);
+}
+
+std::unique_ptr<port::ButtonPeer> QtWindowSystem::makeButton(port::ViewPeer& parent, port::ViewClient& client,
+                                                             port::ButtonClient& button) {
+    return makePeer<ButtonPeer, ButtonWidget>(parent, client, button);
+}
+
+Appearance QtWindowSystem::appearance() const { return appearanceOf(QApplication::palette()); }
+
+void QtWindowSystem::setAppearance(std::optional<Appearance> appearance) {
+    if (!hasOwnPalette_) desktopPalette_ = QApplication::palette();
+    hasOwnPalette_ = appearance.has_value();
+    if (!appearance)
+        QApplication::setPalette(desktopPalette_);
+    else
+        QApplication::setPalette(*appearance == Appearance::dark ? darkPalette() : lightPalette());
+}
+
+CGSize QtWindowSystem::screenSize() const {
+    const auto* screen = QGuiApplication::primaryScreen();
+    return screen ? CGSize{double(screen->size().width()), double(screen->size().height())} : CGSize{};
+}
+
+void QtWindowSystem::run() { QApplication::exec(); }
+
+void QtWindowSystem::stop() { QCoreApplication::exit(0); }
+
+bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {
+    // Reaches no widget of its own: a palette is the application's.
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && client_)
+        client_->appearanceChanged();
+    return false;
+}
+
+} // namespace zr::qt

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <WindowSystem/WindowSystem.h>
+
+#include <QObject>
+#include <QPalette>
+
+namespace zr::qt {
+
+// The port on Qt: makes peers, measures text, reads pictures, and follows the palette.
+class QtWindowSystem final : public QObject, public port::WindowSystem {
+public:
+    QtWindowSystem();
+    ~QtWindowSystem() override;
+
+    void setClient(port::ApplicationClient* client) { client_ = client; }
+
+    std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override;
+    TextSize measure(std::string_view line, const FontDescription& font) override;
+    std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
+                                                 bool resizable) override;
+    std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
+                                                    port::ViewClient& client) override;
+    std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
+                                                 port::ButtonClient& button) override;
+    Appearance appearance() const override;
+    void setAppearance(std::optional<Appearance> appearance) override;
+    CGSize screenSize() const override;
+    void run() override;
+    void stop() override;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    port::ApplicationClient* client_ = nullptr;
+    QPalette desktopPalette_;
+    bool hasOwnPalette_ = false;
+};
+
+} // namespace zr::qt

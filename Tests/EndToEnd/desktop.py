@@ -1,0 +1,176 @@
+"""A private X server with a window manager, a real pointer in it, and TrimStudio driven from outside."""
+
+import contextlib
+import json
+import os
+import queue
+import re
+import subprocess
+import tempfile
+import threading
+import time
+
+DEADLINE = 30  # seconds, for anything that is waited for
+
+
+class Timeout(Exception):
+    pass
+
+
+def wait_until(what, condition, deadline=DEADLINE):
+    """Asks again and again until the condition gives something, and answers that."""
+    end = time.monotonic() + deadline
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > end:
+            raise Timeout(f"waited {deadline} s for {what}")
+        time.sleep(0.01)
+
+
+class Desktop(contextlib.AbstractContextManager):
+    """Everything it starts it ends, by process id."""
+
+    def __init__(self, width=1280, height=800):
+        self.processes = []
+        self.runtime = tempfile.TemporaryDirectory(prefix="zruikit-runtime-")
+        read_end, write_end = os.pipe()
+        server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"],
+            pass_fds=[write_end], stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        self.processes.append(server)
+        with os.fdopen(read_end) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            raise RuntimeError("the X server did not start")
+        self.environment = {key: value for key, value in os.environ.items()
+                            if key not in ("WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "LANGUAGE")}
+        self.environment.update(DISPLAY=f":{number}", XDG_RUNTIME_DIR=self.runtime.name, QT_QPA_PLATFORM="xcb",
+                                LC_ALL="C.UTF-8", QT_STYLE_OVERRIDE="fusion")
+        self.processes.append(subprocess.Popen(["openbox", "--sm-disable"], env=self.environment,
+                                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+        wait_until("the window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(10)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+                    process.wait()
+        self.runtime.cleanup()
+
+    def run(self, *command):
+        return subprocess.run(command, env=self.environment, text=True, capture_output=True, timeout=DEADLINE).stdout
+
+    def pointer(self, *words):
+        subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=DEADLINE,
+                       stdout=subprocess.DEVNULL)
+
+    def move(self, x, y):
+        self.pointer("mousemove", round(x), round(y))
+
+    def press(self):
+        self.pointer("mousedown", 1)
+
+    def release(self):
+        self.pointer("mouseup", 1)
+
+    def screenshot(self, path):
+        subprocess.run(["import", "-window", "root", path], env=self.environment, check=True, timeout=DEADLINE)
+
+
+class TrimStudio:
+    """A running TrimStudio, and what it describes of itself."""
+
+    def __init__(self, desktop, program, *arguments, wrapper=(), environment=None):
+        self.desktop = desktop
+        self.lines = queue.Queue()
+        self.last = None
+        self.window = None
+        self.process = subprocess.Popen([*wrapper, program, "--describe", *arguments], text=True,
+                                        env={**desktop.environment, **(environment or {})},
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        desktop.processes.append(self.process)
+        self.errors = []
+        threading.Thread(target=self._read, daemon=True).start()
+        threading.Thread(target=lambda: self.errors.extend(self.process.stderr), daemon=True).start()
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.lines.put(json.loads(line))
+
+    def _newest(self):
+        with contextlib.suppress(queue.Empty):
+            while True:
+                self.last = self.lines.get_nowait()
+        return self.last
+
+    def wait(self, what, condition):
+        """The newest description, once the condition holds for it."""
+        def check():
+            newest = self._newest()
+            return newest if newest and condition(newest) else None
+        try:
+            return wait_until(what, check)
+        except Timeout as timeout:
+            raise Timeout(f"{timeout}; last: {self.last}; errors: {''.join(self.errors)}") from None
+
+    def wait_until_ready(self):
+        """The file is open, and the window stands where the description says."""
+        def settled(description):
+            views = description["views"]
+            return "splitSlider" in views and self._stands(views["window"]["rect"])
+        return self.wait("the opened file", settled)
+
+    def wait_for_message(self):
+        return self.wait("a message", lambda d: d["message"] and d["message"] != "Opening…" and
+                         self._stands(d["views"]["window"]["rect"]))
+
+    def _stands(self, rect):
+        """Whether the X server has the window's content where the description has it."""
+        ids = self.desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid)).split()
+        for window in ids:
+            info = self.desktop.run("xwininfo", "-id", window)
+            numbers = [int(n) for n in re.findall(r"(?:Absolute upper-left [XY]|Width|Height):\s+(-?\d+)", info)]
+            if numbers == [round(n) for n in rect]:
+                self.window = window
+                return True
+        return False
+
+    def slider(self):
+        return self._newest()["views"]["splitSlider"]
+
+    def drag(self, handle, to_x, to_y=None, steps=5):
+        """Takes a handle by its middle, and lets go of it at a position of the pointer."""
+        rect = self.slider()[handle]
+        x, y = rect[0] + rect[2] / 2, rect[1] + rect[3] / 3
+        to_y = y if to_y is None else to_y
+        self.desktop.move(x, y)
+        self.desktop.press()
+        for step in range(1, steps + 1):
+            self.desktop.move(x + (to_x - x) * step / steps, y + (to_y - y) * step / steps)
+        self.desktop.release()
+
+    def click(self, view):
+        x, y, width, height = self._newest()["views"][view]["rect"]
+        self.desktop.move(x + width / 2, y + height / 2)
+        self.desktop.press()
+        self.desktop.release()
+
+    def close(self):
+        """Asks the window to close as a window manager does; answers the program's exit status."""
+        self.desktop.run("xdotool", "windowactivate", "--sync", self.window)
+        self.desktop.pointer("key", "alt+F4")
+        return self.process.wait(DEADLINE)
+
+
+def media_length(path):
+    """In seconds, as ffprobe reads it."""
+    output = subprocess.run(["ffprobe", "-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", path],
+                            text=True, capture_output=True, check=True, timeout=DEADLINE).stdout
+    return float(output)
