@@ -36,7 +36,7 @@ Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) 
 } // namespace
 
 std::string describe(const Description& facts, const EditorView& editor) {
-    Json views = Json::object();
+    Json views = {{"window", {{"rect", pixels(editor, editor.bounds())}}}};
     if (!editor.slider()->isHiddenOrHasHiddenAncestor()) views["splitSlider"] = slider(*editor.slider());
     const NSButton& button = *editor.saveButton();
     views["saveButton"] = {{"rect", pixels(button, button.bounds())}, {"enabled", button.isEnabled()}};

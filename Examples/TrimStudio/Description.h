@@ -16,7 +16,8 @@ struct Description {
 };
 
 // One JSON object on one line. Rectangles are [x, y, width, height] in pixels of the screen from its top left,
-// times are in seconds. Views that are hidden are left out.
+// times are in seconds. "window" is the window's content. Views that
+// are hidden are left out.
 std::string describe(const Description& facts, const EditorView& editor);
 
 } // namespace trimstudio

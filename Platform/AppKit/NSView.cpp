@@ -67,15 +67,13 @@ void NSView::setFrame(const NSRect& frame) {
 void NSView::addSubview(const std::shared_ptr<NSView>& view) {
     if (!view || isDescendantOf(*view)) return;
     if (view->superview_ == this) {
-        const auto held = view;
-        std::erase(subviews_, held);
-        subviews_.push_back(held);
+        const auto found = std::ranges::find(subviews_, view);
+        std::rotate(found, found + 1, subviews_.end());
         if (view->peer_) view->peer_->raise();
         return;
     }
-    const auto held = view;
     view->removeFromSuperview();
-    subviews_.push_back(held);
+    subviews_.push_back(view);
     view->superview_ = this;
     view->setNextResponder(this);
     view->moveToWindow(window_);

@@ -35,9 +35,17 @@ class Desktop(contextlib.AbstractContextManager):
     def __init__(self, width=1280, height=800):
         self.processes = []
         self.runtime = tempfile.TemporaryDirectory(prefix="zruikit-runtime-")
+        try:
+            self._start(width, height)
+        except BaseException:
+            self.__exit__()
+            raise
+
+    def _start(self, width, height):
         read_end, write_end = os.pipe()
+        # Without -noreset the server would throw out its clients whenever the last one but them leaves.
         server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-noreset"],
             pass_fds=[write_end], stderr=subprocess.DEVNULL)
         os.close(write_end)
         self.processes.append(server)
@@ -62,6 +70,9 @@ class Desktop(contextlib.AbstractContextManager):
                 except subprocess.TimeoutExpired:
                     process.kill()
                     process.wait()
+            for stream in (process.stdout, process.stderr):
+                if stream:
+                    stream.close()
         self.runtime.cleanup()
 
     def run(self, *command):
@@ -97,12 +108,23 @@ class TrimStudio:
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         desktop.processes.append(self.process)
         self.errors = []
-        threading.Thread(target=self._read, daemon=True).start()
-        threading.Thread(target=lambda: self.errors.extend(self.process.stderr), daemon=True).start()
+        self.readers = [threading.Thread(target=self._read), threading.Thread(target=self._read_errors)]
+        for reader in self.readers:
+            reader.start()
 
     def _read(self):
         for line in self.process.stdout:
             self.lines.put(json.loads(line))
+
+    def _read_errors(self):
+        self.errors.extend(self.process.stderr)
+
+    def ended(self):
+        """The exit status; everything that was said has been read by then."""
+        status = self.process.wait(DEADLINE)
+        for reader in self.readers:
+            reader.join(DEADLINE)
+        return status
 
     def _newest(self):
         with contextlib.suppress(queue.Empty):
@@ -164,9 +186,8 @@ class TrimStudio:
 
     def close(self):
         """Asks the window to close as a window manager does; answers the program's exit status."""
-        self.desktop.run("xdotool", "windowactivate", "--sync", self.window)
-        self.desktop.pointer("key", "alt+F4")
-        return self.process.wait(DEADLINE)
+        self.desktop.run("wmctrl", "-i", "-c", hex(int(self.window)))
+        return self.ended()
 
 
 def media_length(path):

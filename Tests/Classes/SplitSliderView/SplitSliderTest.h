@@ -7,7 +7,7 @@
 namespace zr::test {
 
 inline std::shared_ptr<NSImage> picture(const std::string& name, NSSize size) {
-    const auto image = make<NSImage>();
+    auto image = make<NSImage>();
     image->addRepresentation({std::make_shared<headless::NamedBitmap>(name, size), 1, Appearance::light});
     return image;
 }

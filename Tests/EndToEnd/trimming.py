@@ -1,0 +1,254 @@
+#!/usr/bin/env python3
+"""TrimStudio in a real window, driven by a real pointer; what it writes is read by ffprobe. Argument: the program."""
+
+import hashlib
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from desktop import DEADLINE, Desktop, TrimStudio, media_length
+
+PROGRAM = os.environ.get("TRIMSTUDIO", "")
+RECORDING = "/usr/share/sounds/freedesktop/stereo/alarm-clock-elapsed.oga"
+WITHOUT_ROOTS_POWERS = ("setpriv", "--bounding-set", "-dac_override,-dac_read_search", "--inh-caps", "-all")
+
+SOUND = ["-f", "lavfi", "-i", "sine=frequency=440:duration=8:sample_rate=44100"]
+PICTURES = ["-f", "lavfi", "-i", "testsrc=size=160x120:rate=25:duration=8"]
+VIDEO = [*PICTURES, *SOUND, "-c:v", "libx264", "-g", "50", "-bf", "2", "-pix_fmt", "yuv420p", "-c:a", "aac", "-shortest"]
+
+# How the file is made, and the longest packet in seconds.
+FORMATS = {
+    "wav": (SOUND, 0.001),
+    "flac": ([*SOUND, "-c:a", "flac"], 0.11),
+    "ogg": ([*SOUND, "-c:a", "libvorbis"], 0.05),
+    "mp3": ([*SOUND, "-c:a", "libmp3lame"], 0.03),
+    "m4a": ([*SOUND, "-c:a", "aac"], 0.03),
+    "mp4": (VIDEO, 0.045),
+    "mov": (VIDEO, 0.045),
+    "mkv": (VIDEO, 0.045),
+    "mka": ([*SOUND, "-c:a", "aac"], 0.03),
+}
+
+
+def digest(path):
+    return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
+
+
+class TrimmingTest(unittest.TestCase):
+    def setUp(self):
+        self.desktop = Desktop()
+        self.addCleanup(self.desktop.__exit__)
+        folder = tempfile.TemporaryDirectory(prefix="zruikit-media-")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def make(self, name, words):
+        path = self.folder / name
+        subprocess.run(["ffmpeg", "-v", "error", "-y", *words, str(path)], check=True, timeout=DEADLINE)
+        return path
+
+    def start(self, *files, **options):
+        return TrimStudio(self.desktop, PROGRAM, *map(str, files), **options)
+
+    def save(self, studio):
+        studio.wait("the button", lambda d: d["views"]["saveButton"]["enabled"])
+        before = studio.last["saved"]
+        studio.click("saveButton")
+        return studio.wait("the saved file", lambda d: d["saved"] and d["saved"] != before)
+
+    def assert_nothing_left_over(self, *names):
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), sorted(names))
+
+
+class Handles(TrimmingTest):
+    def test_both_handles_follow_a_real_pointer_and_the_file_agrees(self):
+        source = self.folder / "take.oga"
+        shutil.copy(RECORDING, source)
+        original = digest(source)
+        studio = self.start(source)
+        opened = studio.wait_until_ready()
+        self.assertAlmostEqual(opened["duration"], media_length(source), delta=0.03)
+        self.assertEqual(opened["file"], str(source))
+        self.assertIsNone(opened["saved"])
+        slider = studio.slider()
+        self.assertEqual((slider["start"], slider["length"]), (0, opened["duration"]))
+        self.assertEqual(slider["leftHandle"][2], 24)
+
+        # Held in its middle, a handle's inner edge is 12 pixels from the pointer.
+        x, _, width, _ = slider["track"]
+        studio.drag("leftHandle", x + width * 0.25 - 12)
+        quarter = opened["duration"] / 4
+        studio.wait("the left end", lambda d: abs(d["views"]["splitSlider"]["start"] - quarter) <= opened["duration"] / width)
+        studio.drag("rightHandle", x + width * 0.75 + 12)
+        half = studio.wait("the right end",
+                           lambda d: abs(d["views"]["splitSlider"]["length"] - 2 * quarter) <= 2 * opened["duration"] / width)
+
+        saved = self.save(studio)
+        self.assertEqual(saved["saved"], str(self.folder / "take-trimmed.oga"))
+        self.assertAlmostEqual(media_length(saved["saved"]), half["views"]["splitSlider"]["length"], delta=0.05)
+        self.assertEqual(digest(source), original)
+        self.assertEqual(studio.close(), 0)
+        self.assert_nothing_left_over("take.oga", "take-trimmed.oga")
+
+    def test_a_drag_goes_on_beyond_the_window(self):
+        source = self.make("long.wav", SOUND)
+        studio = self.start(source)
+        opened = studio.wait_until_ready()
+        slider = studio.slider()
+        x, _, width, _ = slider["track"]
+        studio.drag("leftHandle", 1270, to_y=790)  # past the right end: five milliseconds remain
+        studio.wait("the shortest clip", lambda d: abs(d["views"]["splitSlider"]["length"] - 0.005) < 1e-9)
+        studio.drag("leftHandle", 2, to_y=2)
+        studio.wait("the whole", lambda d: d["views"]["splitSlider"]["start"] == 0 and
+                    abs(d["views"]["splitSlider"]["length"] - opened["duration"]) < 1e-6)
+        studio.drag("rightHandle", 2, to_y=790)
+        studio.wait("the first five milliseconds", lambda d: d["views"]["splitSlider"]["start"] == 0 and
+                    abs(d["views"]["splitSlider"]["length"] - 0.005) < 1e-9)
+        self.assertEqual(studio.close(), 0)
+
+    def test_the_handles_move_with_the_window(self):
+        source = self.make("long.wav", SOUND)
+        studio = self.start(source)
+        studio.wait_until_ready()
+        self.desktop.pointer("windowsize", "--sync", studio.window, 900, 420)
+        wide = studio.wait("the larger window", lambda d: d["views"]["window"]["rect"][2:] == [900, 420] and
+                           d["views"]["splitSlider"]["track"][2] == 900 - 2 * 20 - 2 * 28)
+        right = wide["views"]["splitSlider"]["rightHandle"]
+        self.assertEqual(right[0], wide["views"]["splitSlider"]["track"][0] + wide["views"]["splitSlider"]["track"][2])
+        self.assertEqual(studio.close(), 0)
+
+    def test_at_twice_the_scale_rectangles_are_device_pixels(self):
+        source = self.make("long.wav", SOUND)
+        studio = self.start(source, environment={"QT_SCALE_FACTOR": "2"})
+        opened = studio.wait("the opened file", lambda d: "splitSlider" in d["views"])
+        self.assertEqual(opened["views"]["splitSlider"]["leftHandle"][2:], [48, 56])
+        # The window is wider than this screen: its frame is wherever the window manager put it.
+        self.assertEqual(opened["views"]["window"]["rect"][2] % 2, 0)
+
+    def test_an_existing_file_is_never_overwritten(self):
+        source = self.make("take.flac", FORMATS["flac"][0])
+        taken = self.folder / "take-trimmed.flac"
+        taken.write_text("somebody's")
+        studio = self.start(source)
+        studio.wait_until_ready()
+        first = self.save(studio)["saved"]
+        self.assertEqual(first, str(self.folder / "take-trimmed 2.flac"))
+        kept = digest(first)
+        self.assertEqual(self.save(studio)["saved"], str(self.folder / "take-trimmed 3.flac"))
+        self.assertEqual(taken.read_text(), "somebody's")
+        self.assertEqual(digest(first), kept)
+        self.assertEqual(studio.close(), 0)
+        self.assert_nothing_left_over("take.flac", "take-trimmed.flac", "take-trimmed 2.flac", "take-trimmed 3.flac")
+
+
+class Formats(TrimmingTest):
+    def trim(self, extension):
+        words, packet = FORMATS[extension]
+        source = self.make(f"clip.{extension}", words)
+        original = digest(source)
+        studio = self.start(source)
+        opened = studio.wait_until_ready()
+        x, _, width, _ = studio.slider()["track"]
+        studio.drag("leftHandle", x + width * 0.4 - 12)
+        asked = opened["duration"] * 0.4
+        if extension == "mkv":
+            # Key frames every two seconds: the start goes back to the one before, and TrimStudio says so first.
+            studio.wait("the key frame", lambda d: d["message"] and "key frame" in d["message"] and
+                        abs(d["views"]["splitSlider"]["start"] - 2) < 0.05)
+        else:
+            studio.wait("the left end", lambda d: abs(d["views"]["splitSlider"]["start"] - asked) <= opened["duration"] / width)
+        studio.drag("rightHandle", x + width * 0.8 + 12)
+        end = opened["duration"] * 0.8
+        selected = studio.wait("the right end", lambda d: abs(
+            d["views"]["splitSlider"]["start"] + d["views"]["splitSlider"]["length"] - end) <= opened["duration"] / width)
+        saved = self.save(studio)["saved"]
+        self.assertEqual(saved, str(self.folder / f"clip-trimmed.{extension}"))
+        self.assertAlmostEqual(media_length(saved), selected["views"]["splitSlider"]["length"], delta=packet)
+        decoded = subprocess.run(["ffmpeg", "-v", "error", "-i", saved, "-f", "null", "-"], text=True,
+                                 capture_output=True, timeout=DEADLINE)
+        self.assertEqual((decoded.returncode, decoded.stderr), (0, ""))
+        self.assertEqual(digest(source), original)
+        self.assertEqual(studio.close(), 0)
+        self.assert_nothing_left_over(source.name, pathlib.Path(saved).name)
+
+
+def add_format_test(extension):
+    setattr(Formats, f"test_{extension}", lambda self: self.trim(extension))
+
+
+for _extension in FORMATS:
+    add_format_test(_extension)
+
+
+class BadInput(TrimmingTest):
+    def expect_complaint(self, path, *words, **options):
+        studio = self.start(path, **options)
+        described = studio.wait_for_message()
+        for word in words:
+            self.assertIn(word, described["message"])
+        self.assertFalse(described["views"]["saveButton"]["enabled"])
+        self.assertNotIn("splitSlider", described["views"])
+        self.assertEqual(studio.close(), 1)
+        self.assertIn(described["message"], "".join(studio.errors))
+
+    def test_a_missing_file(self):
+        self.expect_complaint(self.folder / "nowhere.wav", "nowhere.wav", "not exist")
+
+    def test_a_folder(self):
+        self.expect_complaint(self.folder, "folder")
+
+    def test_an_empty_file(self):
+        empty = self.folder / "empty.wav"
+        empty.touch()
+        self.expect_complaint(empty, "empty.wav", "empty")
+
+    def test_a_text_file(self):
+        text = self.folder / "notes.txt"
+        text.write_text("These are words.\n" * 100)
+        self.expect_complaint(text, "notes.txt", "not a media file")
+
+    def test_a_truncated_file(self):
+        whole = self.make("whole.mp4", VIDEO)
+        cut = self.folder / "cut.mp4"
+        cut.write_bytes(whole.read_bytes()[:3000])
+        self.expect_complaint(cut, "cut.mp4")
+
+    def test_a_file_that_may_not_be_read(self):
+        secret = self.make("secret.wav", SOUND)
+        secret.chmod(0)
+        self.expect_complaint(secret, "secret.wav", wrapper=WITHOUT_ROOTS_POWERS)
+
+    def test_a_folder_that_may_not_be_written(self):
+        source = self.make("take.wav", SOUND)
+        self.folder.chmod(0o555)
+        self.addCleanup(self.folder.chmod, 0o755)
+        studio = self.start(source, wrapper=WITHOUT_ROOTS_POWERS)
+        studio.wait_until_ready()
+        studio.click("saveButton")
+        failed = studio.wait("the complaint", lambda d: d["message"] and not d["message"].startswith("Saving"))
+        self.assertIsNone(failed["saved"])
+        self.assertTrue(failed["views"]["saveButton"]["enabled"])
+        self.assertEqual(studio.close(), 1)
+        self.assertIn(failed["message"], "".join(studio.errors))
+        self.assert_nothing_left_over("take.wav")
+
+    def test_one_bad_file_of_two_does_not_count(self):
+        good = self.make("good.wav", SOUND)
+        studio = self.start(self.folder / "nowhere.wav", good)
+        studio.wait("both files", lambda d: d["file"] == str(good) and "splitSlider" in d["views"])
+        studio.process.send_signal(signal.SIGTERM)
+        self.assertEqual(studio.ended(), -signal.SIGTERM)
+
+    def test_without_a_file_it_says_how_it_is_used(self):
+        result = subprocess.run([PROGRAM], env=self.desktop.environment, text=True, capture_output=True, timeout=DEADLINE)
+        self.assertEqual(result.returncode, 2)
+        self.assertIn("Usage:", result.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv, verbosity=2)
