@@ -1,0 +1,134 @@
+#include "QtTest.h"
+
+#include <AppKit/NSScreen.h>
+
+#include <QPointer>
+#include <QScreen>
+
+namespace zr {
+
+namespace {
+
+struct Keeper : NSWindowDelegate {
+    std::optional<bool> windowShouldClose(NSWindow&) override {
+        ++asked;
+        return mayClose;
+    }
+    void windowWillClose(NSWindow&) override { ++closed; }
+    void windowDidResize(NSWindow&) override { ++resized; }
+    void windowDidMove(NSWindow&) override { ++moved; }
+    bool mayClose = true;
+    int asked = 0, closed = 0, resized = 0, moved = 0;
+};
+
+struct Quitter : NSApplicationDelegate {
+    std::optional<bool> applicationShouldTerminateAfterLastWindowClosed(NSApplication&) override {
+        return true;
+    }
+    void applicationWillTerminate(NSApplication&) override { ++terminated; }
+    int terminated = 0;
+};
+
+} // namespace
+
+class QtWindows : public test::QtTest {
+protected:
+    void SetUp() override { show(make<NSView>(NSMakeRect(0, 0, 200, 100)), {200, 100}); }
+};
+
+TEST_F(QtWindows, TitleAndSize) {
+    EXPECT_EQ(topLevel()->size(), QSize(200, 100));
+    EXPECT_TRUE(window_->isVisible());
+    QWidget* const real = topLevel();
+    window_->setTitle("Other title");
+    EXPECT_EQ(real->windowTitle(), "Other title");
+    window_->setTitle("window under test");
+    window_->setContentSize({260, 140});
+    settle();
+    EXPECT_EQ(topLevel()->size(), QSize(260, 140));
+    EXPECT_EQ(window_->contentView()->frame(), NSMakeRect(0, 0, 260, 140));
+}
+
+TEST_F(QtWindows, LimitsHoldForTheUser) {
+    window_->setContentMinSize({150, 80});
+    window_->setContentMaxSize({400, 300});
+    topLevel()->resize(10, 10);
+    settle();
+    EXPECT_EQ(topLevel()->size(), QSize(150, 80));
+    topLevel()->resize(1000, 1000);
+    settle();
+    EXPECT_EQ(window_->contentSize(), NSMakeSize(400, 300));
+}
+
+TEST_F(QtWindows, ClosingAsksTheDelegate) {
+    const auto keeper = std::make_shared<Keeper>();
+    window_->setDelegate(keeper);
+    keeper->mayClose = false;
+    topLevel()->close();
+    EXPECT_EQ(keeper->asked, 1);
+    EXPECT_EQ(keeper->closed, 0);
+    EXPECT_TRUE(topLevel()->isVisible());
+    keeper->mayClose = true;
+    topLevel()->close();
+    settle();
+    EXPECT_EQ(keeper->asked, 2);
+    EXPECT_EQ(keeper->closed, 1);
+    EXPECT_FALSE(window_->isVisible());
+    EXPECT_FALSE(topLevel());
+}
+
+TEST_F(QtWindows, ResizingAndMovingByTheUserIsReported) {
+    const auto keeper = std::make_shared<Keeper>();
+    window_->setDelegate(keeper);
+    topLevel()->resize(300, 200);
+    settle();
+    EXPECT_EQ(keeper->resized, 1);
+    topLevel()->move(77, 55);
+    settle();
+    EXPECT_GE(keeper->moved, 1);
+    const NSRect onScreen = window_->convertRectToScreen(NSMakeRect(0, 0, 300, 200));
+    const QPoint corner = topLevel()->mapToGlobal(QPoint(0, 0));
+    EXPECT_EQ(onScreen.origin.x, corner.x());
+    EXPECT_EQ(onScreen.origin.y, QGuiApplication::primaryScreen()->size().height() - corner.y() - 200);
+    EXPECT_EQ(NSScreen::mainScreen().frame().size.width, QGuiApplication::primaryScreen()->size().width());
+    EXPECT_EQ(window_->backingScaleFactor(), ratio());
+}
+
+TEST_F(QtWindows, AWidgetDeletedBehindTheKitsBackClosesTheWindow) {
+    const auto keeper = std::make_shared<Keeper>();
+    window_->setDelegate(keeper);
+    delete topLevel();
+    EXPECT_EQ(keeper->asked, 0);
+    EXPECT_EQ(keeper->closed, 1);
+    EXPECT_FALSE(window_->isVisible());
+}
+
+TEST_F(QtWindows, TheEventLoopEndsWithTheLastWindowWhereTheDelegateWantsThat) {
+    const auto quitter = std::make_shared<Quitter>();
+    auto& application = NSApplication::sharedApplication();
+    application.setDelegate(quitter);
+    QMetaObject::invokeMethod(
+        topLevel(), [this] { topLevel()->close(); }, Qt::QueuedConnection);
+    application.run();
+    EXPECT_EQ(quitter->terminated, 1);
+    EXPECT_TRUE(application.windows().empty());
+}
+
+TEST_F(QtWindows, TheApplicationHoldsAShownWindow) {
+    const std::weak_ptr<NSWindow> watched = window_;
+    window_.reset();
+    EXPECT_FALSE(watched.expired());
+    topLevel()->close();
+    settle();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(QtWindows, AWindowOrderedOutCanComeBack) {
+    window_->orderOut(nullptr);
+    EXPECT_FALSE(window_->isVisible());
+    EXPECT_FALSE(topLevel()->isVisible());
+    window_->orderFront(nullptr);
+    EXPECT_TRUE(topLevel()->isVisible());
+}
+
+} // namespace zr
