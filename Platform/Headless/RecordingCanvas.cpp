@@ -104,14 +104,16 @@ void RecordingCanvas::image(const std::vector<port::ImageRepresentation>& repres
     lines_.push_back(std::move(line));
 }
 
-void RecordingCanvas::text(std::string_view line, const FontDescription& font, const Colour& colour,
-                           CGPoint origin) {
+void RecordingCanvas::text(std::string_view line, const FontDescription& font, const Colour& colour, CGPoint origin) {
     std::string out = "text \"";
     out += line;
     out += "\" ";
     out += font.family.empty() ? "system" : font.family;
     if (font.bold) out += " bold";
-    out += " " + written(font.size) + " " + written(colour) + " at " + written(origin);
+    for (const auto& part : {written(font.size), written(colour), std::string("at"), written(origin)}) {
+        out += ' ';
+        out += part;
+    }
     lines_.push_back(std::move(out));
 }
 
