@@ -206,45 +206,46 @@ void NSWindow::viewWillLeave(NSView& view) {
 
 NSView* NSWindow::viewAt(const NSPoint& point) const { return contentView_->hitTest(point); }
 
-void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) {
-    using Message = void (NSResponder::*)(const NSEvent&);
-    Message message = nullptr;
-    bool press = false;
-    switch (event.type()) {
+namespace {
+
+enum class Phase { press, drag, release };
+
+struct MouseMessage {
+    Phase phase;
+    void (NSResponder::*message)(const NSEvent&);
+};
+
+MouseMessage mouseMessage(NSEventType type) {
+    switch (type) {
     case NSEventTypeLeftMouseDown:
-        press = true, message = &NSResponder::mouseDown;
-        break;
+        return {Phase::press, &NSResponder::mouseDown};
     case NSEventTypeLeftMouseDragged:
-        message = &NSResponder::mouseDragged;
-        break;
+        return {Phase::drag, &NSResponder::mouseDragged};
     case NSEventTypeLeftMouseUp:
-        message = &NSResponder::mouseUp;
-        break;
+        return {Phase::release, &NSResponder::mouseUp};
     case NSEventTypeRightMouseDown:
-        press = true, message = &NSResponder::rightMouseDown;
-        break;
+        return {Phase::press, &NSResponder::rightMouseDown};
     case NSEventTypeRightMouseDragged:
-        message = &NSResponder::rightMouseDragged;
-        break;
+        return {Phase::drag, &NSResponder::rightMouseDragged};
     case NSEventTypeRightMouseUp:
-        message = &NSResponder::rightMouseUp;
-        break;
+        return {Phase::release, &NSResponder::rightMouseUp};
     case NSEventTypeOtherMouseDown:
-        press = true, message = &NSResponder::otherMouseDown;
-        break;
+        return {Phase::press, &NSResponder::otherMouseDown};
     case NSEventTypeOtherMouseDragged:
-        message = &NSResponder::otherMouseDragged;
-        break;
+        return {Phase::drag, &NSResponder::otherMouseDragged};
     default:
-        message = &NSResponder::otherMouseUp;
-        break;
+        return {Phase::release, &NSResponder::otherMouseUp};
     }
-    if (press) pressed = retained(viewAt(event.locationInWindow()));
+}
+
+} // namespace
+
+// A press goes to the view under the pointer, and what follows to the same view.
+void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) {
+    const auto [phase, message] = mouseMessage(event.type());
+    if (phase == Phase::press) pressed = retained(viewAt(event.locationInWindow()));
     const auto view = pressed.lock();
-    if (!press && (message == static_cast<Message>(&NSResponder::mouseUp) ||
-                   message == static_cast<Message>(&NSResponder::rightMouseUp) ||
-                   message == static_cast<Message>(&NSResponder::otherMouseUp)))
-        pressed.reset();
+    if (phase == Phase::release) pressed.reset();
     if (!view) return;
     const bool takesFocus = event.type() == NSEventTypeLeftMouseDown && view->acceptsFirstResponder();
     if (takesFocus && view.get() != firstResponder() && !makeFirstResponder(view.get())) return;

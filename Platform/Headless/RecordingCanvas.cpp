@@ -104,7 +104,8 @@ void RecordingCanvas::image(const std::vector<port::ImageRepresentation>& repres
     lines_.push_back(std::move(line));
 }
 
-void RecordingCanvas::text(std::string_view line, const FontDescription& font, const Colour& colour, CGPoint origin) {
+void RecordingCanvas::text(std::string_view line, const FontDescription& font, const Colour& colour,
+                           CGPoint origin) {
     std::string out = "text \"";
     out += line;
     out += "\" ";

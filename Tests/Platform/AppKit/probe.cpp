@@ -1,0 +1,5 @@
+#include "WindowTest.h"
+
+namespace zr::test {
+ZR_CLASS_TABLE(Probe)
+}
