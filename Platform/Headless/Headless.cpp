@@ -2,6 +2,8 @@
 #include "HeadlessQueues.h"
 #include "RecordingCanvas.h"
 
+#include <WindowSystem/WindowSystem.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <functional>

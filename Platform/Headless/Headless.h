@@ -3,7 +3,6 @@
 #include <Base/Colour.h>
 #include <Base/Event.h>
 #include <Base/Geometry.h>
-#include <WindowSystem/WindowSystem.h>
 
 #include <filesystem>
 #include <memory>
