@@ -8,6 +8,7 @@
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSBundle.h>
 #include <ZRUIKit/BaseSliderView.h>
+#include <ZRUIKit/ProgressSliderView.h>
 #include <ZRUIKit/SliderSelectionItem.h>
 #include <ZRUIKit/SplitSliderView.h>
 
@@ -30,6 +31,7 @@ std::span<const ClassTable* const> kitClassTables() {
         &SliderSelectionItem::classTable(),
         &BaseSliderView::classTable(),
         &SplitSliderView::classTable(),
+        &ProgressSliderView::classTable(),
     };
     return tables;
 }

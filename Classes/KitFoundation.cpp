@@ -3,6 +3,8 @@
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/KitFoundation.h>
 
+#include <cmath>
+
 namespace zr {
 
 NSBundle& KitBundle() { return NSBundle::bundleForClass(BaseSliderView::classTable()); }
@@ -26,7 +28,7 @@ bool RepostedToMainQueue(dispatch_block_t block) {
 }
 
 void AfterDelay(double seconds, dispatch_block_t block) {
-    const auto nanoseconds = static_cast<std::int64_t>(seconds * static_cast<double>(NSEC_PER_SEC));
+    const auto nanoseconds = std::llround(seconds * static_cast<double>(NSEC_PER_SEC));
     dispatch_after(dispatch_time(DISPATCH_TIME_NOW, nanoseconds), dispatch_get_main_queue(), std::move(block));
 }
 

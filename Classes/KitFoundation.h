@@ -62,13 +62,15 @@ void OnMainQueue(dispatch_block_t block);
 // returns. On the main thread answers false.
 bool RepostedToMainQueue(dispatch_block_t block);
 
-// Runs the work on the global queue, then hands its result to `done` on the main queue.
+// Runs the work on the global queue, then hands its result to `done` on the main queue. What both hold goes
+// there, too: views must not end on another thread.
 template <class Work, class Done>
 void InBackground(Work work, Done done) {
     dispatch_async(dispatch_get_global_queue(0, 0), [work = std::move(work), done = std::move(done)]() mutable {
         auto result = work();
-        OnMainQueue(
-            [result = std::move(result), done = std::move(done)]() mutable { done(std::move(result)); });
+        OnMainQueue([result = std::move(result), work = std::move(work), done = std::move(done)]() mutable {
+            done(std::move(result));
+        });
     });
 }
 

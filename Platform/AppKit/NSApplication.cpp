@@ -2,13 +2,18 @@
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSWindow.h>
+#include <Foundation/Dispatch.h>
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace zr {
 
 ZR_CLASS_TABLE(NSApplication, .actions = {actionNamed<&NSApplication::terminate>("terminate:")})
+
+NSApplication::NSApplication() = default;
+NSApplication::~NSApplication() = default;
 
 NSApplication& NSApplication::sharedApplication() {
     auto* installed = installation();
@@ -25,6 +30,7 @@ void NSApplication::terminate(NSObject*) {
     if (terminating_) return;
     terminating_ = true;
     if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate(*this);
+    wakeTracking();
     installation()->windowSystem.stop();
 }
 
@@ -68,6 +74,82 @@ void NSApplication::closeAllWindows() {
         const auto window = windows_.back();
         window->close();
     }
+}
+
+bool NSApplication::deliver(NSWindow& window, const NSEvent& event) {
+    const auto held = retained(this);
+    const auto heldWindow = retained(&window);
+    if (tracking_) {
+        auto& events = tracking_->events;
+        const bool goesOn = event.type() == NSEventTypeLeftMouseDragged && !events.empty() &&
+                            events.back().event.type() == NSEventTypeLeftMouseDragged &&
+                            events.back().window.lock() == heldWindow;
+        if (goesOn)
+            events.back().event = event;
+        else
+            events.push_back({heldWindow, event});
+        wakeTracking();
+        return true;
+    }
+    auto& taken = installation()->eventWasTaken;
+    const bool outer = std::exchange(taken, true);
+    ++eventsInHand_;
+    window.sendEvent(event);
+    --eventsInHand_;
+    // The platform may have gone in the meantime.
+    auto* installed = installation();
+    const bool wasTaken = !installed || std::exchange(installed->eventWasTaken, outer);
+    if (!tracking_) return wasTaken;
+    // Whatever became of the events that were pulled, this one was taken.
+    if (eventsInHand_ == 0) endTracking();
+    return true;
+}
+
+std::optional<NSEvent> NSApplication::takeEvent(NSEventMask mask) {
+    auto& events = tracking_->events;
+    const auto found = std::ranges::find_if(
+        events, [mask](const Waiting& waiting) { return (mask >> waiting.event.type() & 1) != 0; });
+    if (found == events.end()) return std::nullopt;
+    std::optional<NSEvent> event = std::move(found->event);
+    events.erase(found);
+    return event;
+}
+
+std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask mask) {
+    const auto held = retained(this);
+    const auto heldWindow = retained(&window);
+    if (terminating_ || !window.isVisible()) return std::nullopt;
+    if (!tracking_) {
+        tracking_ = std::make_unique<Tracking>();
+        tracking_->loop = installation()->windowSystem.beginTracking();
+    }
+    const auto cancellations = window.cancellations_;
+    std::optional<NSEvent> event;
+    ++tracking_->pulls;
+    do {
+        if (terminating_ || window.cancellations_ != cancellations) break;
+        event = takeEvent(mask);
+    } while (!event && tracking_->loop->wait());
+    --tracking_->pulls;
+    // Outside of any event nobody else ends the tracking.
+    if (eventsInHand_ == 0)
+        dispatch_async(dispatch_get_main_queue(), [held] {
+            if (held->eventsInHand_ == 0 && held->tracking_ && held->tracking_->pulls == 0) held->endTracking();
+        });
+    return event;
+}
+
+void NSApplication::wakeTracking() {
+    if (tracking_) tracking_->loop->wake();
+}
+
+// What was held back for others goes to them; what is left for our windows is delivered now.
+void NSApplication::endTracking() {
+    const auto held = retained(this);
+    const auto ended = std::exchange(tracking_, nullptr);
+    ended->loop.reset();
+    for (const auto& [weakWindow, event] : ended->events)
+        if (const auto window = weakWindow.lock(); window && window->isVisible()) deliver(*window, event);
 }
 
 } // namespace zr

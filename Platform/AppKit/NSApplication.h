@@ -3,6 +3,7 @@
 #include <AppKit/NSResponder.h>
 #include <Base/Colour.h>
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -11,6 +12,10 @@ namespace zr {
 
 class NSApplication;
 class NSWindow;
+
+namespace port {
+class TrackingLoop;
+}
 
 class NSApplicationDelegate {
 public:
@@ -26,6 +31,8 @@ public:
 class NSApplication : public NSResponder {
 public:
     ZR_CLASS(NSApplication, NSResponder)
+    NSApplication();
+    ~NSApplication() override;
 
     // Throws std::logic_error while no window system is installed.
     static NSApplication& sharedApplication();
@@ -55,8 +62,27 @@ private:
     void windowWasClosed(NSWindow& window);
     void closeAllWindows();
 
+    // A pull for events is under way from the first one until the event that is being handled has been handled.
+    struct Waiting {
+        std::weak_ptr<NSWindow> window;
+        NSEvent event;
+    };
+    struct Tracking {
+        std::unique_ptr<port::TrackingLoop> loop;
+        std::deque<Waiting> events;
+        int pulls = 0; // that wait
+    };
+    // Hands the event to its window, or keeps it while a pull is under way. Answers whether it was taken.
+    bool deliver(NSWindow& window, const NSEvent& event);
+    std::optional<NSEvent> nextEvent(NSWindow& window, NSEventMask mask);
+    std::optional<NSEvent> takeEvent(NSEventMask mask);
+    void wakeTracking();
+    void endTracking();
+
     std::weak_ptr<NSApplicationDelegate> delegate_;
     std::vector<std::shared_ptr<NSWindow>> windows_;
+    std::unique_ptr<Tracking> tracking_;
+    int eventsInHand_ = 0;
     bool terminating_ = false;
 };
 

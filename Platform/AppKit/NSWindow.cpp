@@ -13,13 +13,7 @@ struct NSWindow::Client final : port::WindowClient {
     explicit Client(NSWindow& owner) : window(owner) {}
 
     bool peerEvent(const InputEvent& event) override {
-        const auto held = retained(&window);
-        auto& taken = installation()->eventWasTaken;
-        const bool outer = std::exchange(taken, true);
-        window.sendEvent(NSEvent(event, window.contentSize_.height));
-        // The platform may have gone in the meantime.
-        auto* installed = installation();
-        return !installed || std::exchange(installed->eventWasTaken, outer);
+        return NSApplication::sharedApplication().deliver(window, NSEvent(event, window.contentSize_.height));
     }
     void peerContentResized(CGSize size) override {
         const auto held = retained(&window);
@@ -45,6 +39,7 @@ struct NSWindow::Client final : port::WindowClient {
         const auto held = retained(&window);
         if (const auto delegate = window.delegate()) delegate->windowDidMove(window);
     }
+    void peerBlocked() override { window.cancelTracking(); }
     void peerGone() override {
         const auto held = retained(&window);
         window.close();
@@ -148,6 +143,7 @@ void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
 void NSWindow::orderFront(NSObject*) { show(false); }
 
 void NSWindow::orderOut(NSObject*) {
+    cancelTracking();
     visible_ = false;
     if (peer_) peer_->hide();
 }
@@ -165,6 +161,7 @@ bool NSWindow::shouldClose() {
 void NSWindow::close() {
     if (!visible_ && !peer_) return;
     const auto held = retained(this);
+    cancelTracking();
     if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
     visible_ = false;
     keyChanged(false);
@@ -200,8 +197,20 @@ void NSWindow::viewWillLeave(NSView& view) {
     if (first && first->isDescendantOf(view)) makeFirstResponder(nullptr);
     for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) {
         const auto pressedView = pressed->lock();
-        if (pressedView && pressedView->isDescendantOf(view)) pressed->reset();
+        if (!pressedView || !pressedView->isDescendantOf(view)) continue;
+        pressed->reset();
+        cancelTracking();
     }
+}
+
+void NSWindow::cancelTracking() {
+    ++cancellations_;
+    if (installation()) NSApplication::sharedApplication().wakeTracking();
+}
+
+std::optional<NSEvent> NSWindow::nextEventMatchingMask(NSEventMask mask) {
+    if (!installation()) return std::nullopt;
+    return NSApplication::sharedApplication().nextEvent(*this, mask);
 }
 
 NSView* NSWindow::viewAt(const NSPoint& point) const { return contentView_->hitTest(point); }

@@ -77,6 +77,13 @@ public:
     bool makeFirstResponder(NSResponder* responder);
 
     void sendEvent(const NSEvent& event);
+    // Waits for the next event of a type in the mask, and takes it: for a view that follows the pointer from a
+    // press to the release in one go. Timers, queues and drawing go on meanwhile; other events wait and are
+    // delivered when the event that is being handled has been. Steps of a drag that come faster than they are
+    // taken become one. Nothing comes back when the window closes, is hidden or blocked by a modal dialog, when
+    // the view that got the press leaves it, or when the application ends: then no further event is to be
+    // expected.
+    std::optional<NSEvent> nextEventMatchingMask(NSEventMask mask);
 
     // Screen coordinates: points, y up, origin at the lower left of the primary screen. Zero origin while not
     // realised.
@@ -85,6 +92,7 @@ public:
 
 private:
     friend class NSView;
+    friend class NSApplication;
     friend struct Installation;
     struct Client;
 
@@ -98,6 +106,7 @@ private:
     void keyChanged(bool key);
     void peerFocused(NSView& view);
     void viewWillLeave(NSView& view);
+    void cancelTracking();
     void appearanceChanged();
     void mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed);
     NSView* viewAt(const NSPoint& point) const;
@@ -117,6 +126,7 @@ private:
     bool visible_ = false;
     bool key_ = false;
     bool updateScheduled_ = false;
+    unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up
 };
 
 } // namespace zr

@@ -23,6 +23,11 @@ enum NSEventType : std::uint32_t {
     NSEventTypeOtherMouseDragged = 27,
 };
 
+// Which types are wanted: bit n stands for type n.
+using NSEventMask = std::uint64_t;
+inline constexpr NSEventMask NSEventMaskLeftMouseUp = 1u << NSEventTypeLeftMouseUp;
+inline constexpr NSEventMask NSEventMaskLeftMouseDragged = 1u << NSEventTypeLeftMouseDragged;
+
 enum NSEventModifierFlags : std::uint32_t {
     NSEventModifierFlagCapsLock = 1u << 16,
     NSEventModifierFlagShift = 1u << 17,

@@ -3,6 +3,7 @@
 #include <Base/Colour.h>
 #include <Base/Geometry.h>
 
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -85,6 +86,22 @@ const auto* attributeValue(const RuntimeValue& value) {
         return std::get_if<std::string>(&value);
 }
 
+// Whole numbers saturate; what is no number is 0.
+template <class Number>
+Number narrowed(double value) {
+    if constexpr (std::is_floating_point_v<Number>) {
+        return static_cast<Number>(value);
+    } else {
+        // One more than the greatest is a power of two, and so exact.
+        constexpr double end = 2.0 * static_cast<double>(std::numeric_limits<Number>::max() / 2 + 1);
+        constexpr auto least = static_cast<double>(std::numeric_limits<Number>::min());
+        if (value != value) return 0;
+        if (value >= end) return std::numeric_limits<Number>::max();
+        if (value <= least) return std::numeric_limits<Number>::min();
+        return static_cast<Number>(value);
+    }
+}
+
 } // namespace detail
 
 // actionNamed<&Pane::addFolderDown>("addFolderDown:")
@@ -118,7 +135,11 @@ Attribute attributeNamed(std::string_view name) {
     return {name, [](NSObject& object, const RuntimeValue& value) {
                 const auto* given = detail::attributeValue<Argument>(value);
                 if (!given) return false;
-                (static_cast<typename Traits::Owner&>(object).*Setter)(static_cast<Argument>(*given));
+                auto& owner = static_cast<typename Traits::Owner&>(object);
+                if constexpr (std::is_arithmetic_v<Argument> && !std::is_same_v<Argument, bool>)
+                    (owner.*Setter)(detail::narrowed<Argument>(*given));
+                else
+                    (owner.*Setter)(static_cast<Argument>(*given));
                 return true;
             }};
 }

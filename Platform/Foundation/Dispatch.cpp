@@ -2,6 +2,9 @@
 
 #include <Foundation/Dispatch.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace zr {
 
 dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds) {
@@ -9,7 +12,11 @@ dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds) {
         const auto queues = backend::current()->queues;
         when = queues ? queues->now() : 0;
     }
-    return when + static_cast<std::uint64_t>(nanoseconds);
+    const auto distance = static_cast<std::uint64_t>(nanoseconds);
+    constexpr dispatch_time_t earliest = DISPATCH_TIME_NOW + 1,
+                              latest = std::numeric_limits<dispatch_time_t>::max();
+    if (nanoseconds < 0) return when + distance < when ? std::max(when + distance, earliest) : earliest;
+    return distance <= latest - when ? when + distance : latest;
 }
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
@@ -24,6 +31,7 @@ void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
 void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) {
     const auto queues = backend::current()->queues;
     if (!queues) return;
+    when = std::max(when, queues->now()); // what is due already does not overtake what waits
     if (queue == dispatch_queue_t::main) {
         queues->postToMain(when, std::move(block));
         return;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <utility>
 
 namespace zr {
 
@@ -24,6 +25,7 @@ constexpr dispatch_queue_t dispatch_get_global_queue(long /*priority*/, unsigned
     return dispatch_queue_t::global;
 }
 
+// Stays within what can be told: long before the clock's beginning is "at once", beyond its end is its end.
 dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds);
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 // Never before its time. Cannot be cancelled.

@@ -3,8 +3,9 @@
 #include <Foundation/NSBundle.h>
 #include <FoundationBackends/Host.h>
 
-#include <map>
-#include <mutex>
+#include <memory>
+#include <string>
+#include <vector>
 
 // The host that is installed, and what belongs to it. Private to Foundation.
 namespace zr::backend {

@@ -3,7 +3,7 @@
 namespace zr {
 
 const ClassTable& NSObject::classTable() {
-    static const ClassTable table{.name = "NSObject"};
+    static const ClassTable table{.name = "NSObject", .make = &detail::makeByTable<NSObject>};
     return table;
 }
 

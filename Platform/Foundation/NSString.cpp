@@ -88,8 +88,13 @@ std::string description(const FormatArgument::Value& value) {
     if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
     if (const auto* number = std::get_if<std::uint64_t>(&value)) return std::to_string(*number);
     if (const auto* number = std::get_if<double>(&value)) {
+        // As few digits as tell the number apart, with an exponent only where there would be many zeros.
+        const double magnitude = std::abs(*number);
+        const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e17);
         std::array<char, 40> buffer;
-        return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), *number).ptr};
+        return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), *number,
+                                             plain ? std::chars_format::fixed : std::chars_format::scientific)
+                                   .ptr};
     }
     return "(null)";
 }
@@ -113,8 +118,9 @@ std::string signOf(bool negative, const Conversion& conversion) {
     return conversion.blank ? " " : "";
 }
 
-Number integerNumber(const FormatArgument::Value& value, const Conversion& conversion) {
+Number integerNumber(const FormatArgument& argument, const Conversion& conversion) {
     Number result;
+    const auto& value = argument.value();
     const bool isSigned = conversion.letter == 'd' || conversion.letter == 'i';
     const std::int64_t number = asSigned(value);
     auto magnitude = static_cast<std::uint64_t>(number);
@@ -123,6 +129,8 @@ Number integerNumber(const FormatArgument::Value& value, const Conversion& conve
         const bool negative = number < 0 && !std::holds_alternative<std::uint64_t>(value);
         result.prefix = signOf(negative, conversion);
         if (negative) magnitude = std::uint64_t{0} - magnitude;
+    } else if (!argument.isLong()) {
+        magnitude &= 0xFFFFFFFF;
     }
     const int base = conversion.letter == 'o'                                 ? 8
                      : (conversion.letter == 'x' || conversion.letter == 'X') ? 16
@@ -138,9 +146,20 @@ Number integerNumber(const FormatArgument::Value& value, const Conversion& conve
     if (conversion.precision) {
         result.padsWithZeros = false;
         const auto wanted = static_cast<std::size_t>(*conversion.precision);
+        if (wanted == 0 && magnitude == 0) result.digits.clear();
         if (result.digits.size() < wanted) result.digits.insert(0, wanted - result.digits.size(), '0');
     }
+    if (conversion.alternate && base == 8 && !result.digits.starts_with('0')) result.digits.insert(0, 1, '0');
     return result;
+}
+
+// The general form without its zeros cut off: with `precision` digits in all.
+std::string allDigitsOf(double number, int precision) {
+    const int digits = std::max(1, precision);
+    const std::string scientific = digitsOf(number, std::chars_format::scientific, digits - 1);
+    const int exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
+    if (exponent < -4 || exponent >= digits) return scientific;
+    return digitsOf(number, std::chars_format::fixed, digits - 1 - exponent);
 }
 
 Number realNumber(const FormatArgument::Value& value, const Conversion& conversion) {
@@ -160,20 +179,35 @@ Number realNumber(const FormatArgument::Value& value, const Conversion& conversi
         result.digits = digitsOf(magnitude, std::chars_format::scientific, precision);
         break;
     default:
-        result.digits = digitsOf(magnitude, std::chars_format::general, precision);
+        if (conversion.alternate && std::isfinite(number))
+            result.digits = allDigitsOf(magnitude, precision);
+        else
+            result.digits = digitsOf(magnitude, std::chars_format::general, precision);
         break;
     }
     if (!std::isfinite(number)) {
         result.digits = std::isnan(number) ? "nan" : "inf";
         result.padsWithZeros = false;
+    } else if (conversion.alternate && result.digits.find('.') == std::string::npos) {
+        result.digits.insert(std::min(result.digits.find('e'), result.digits.size()), 1, '.');
     }
     if (conversion.letter >= 'E' && conversion.letter <= 'G') result.digits = upperCase(result.digits);
     return result;
 }
 
+// In the units that text is measured in, those of UTF-16.
+std::size_t lengthOf(std::string_view text) {
+    std::size_t units = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
+    }
+    return units;
+}
+
 std::string padded(Number number, const Conversion& conversion) {
     const auto width = static_cast<std::size_t>(conversion.width);
-    const std::size_t length = number.prefix.size() + number.digits.size();
+    const std::size_t length = number.prefix.size() + lengthOf(number.digits);
     if (length < width && !conversion.left) {
         if (conversion.zero && number.padsWithZeros)
             number.digits.insert(0, width - length, '0');
@@ -181,11 +215,12 @@ std::string padded(Number number, const Conversion& conversion) {
             number.prefix.insert(0, width - length, ' ');
     }
     std::string text = number.prefix + number.digits;
-    if (text.size() < width) text.append(width - text.size(), ' ');
+    if (length < width && conversion.left) text.append(width - length, ' ');
     return text;
 }
 
-std::string converted(const FormatArgument::Value& value, const Conversion& conversion) {
+std::string converted(const FormatArgument& argument, const Conversion& conversion) {
+    const auto& value = argument.value();
     switch (conversion.letter) {
     case '@':
     case 's': {
@@ -206,7 +241,7 @@ std::string converted(const FormatArgument::Value& value, const Conversion& conv
     case 'G':
         return padded(realNumber(value, conversion), conversion);
     default:
-        return padded(integerNumber(value, conversion), conversion);
+        return padded(integerNumber(argument, conversion), conversion);
     }
 }
 
@@ -228,7 +263,7 @@ std::string formatArguments(std::string_view format, std::span<const FormatArgum
         Conversion conversion;
         const bool known = readConversion(format, at, conversion);
         if (known && next < arguments.size())
-            result += converted(arguments[next++].value(), conversion);
+            result += converted(arguments[next++], conversion);
         else
             result.append(format.substr(percent, at - percent));
     }

@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 
 namespace zr {
@@ -19,17 +20,22 @@ public:
 
     FormatArgument(std::nullptr_t) {}
     FormatArgument(const char* text) {
-        text ? value_.emplace<std::string>(text) : value_.emplace<std::string>("(null)");
+        if (text) value_ = std::string(text);
     }
     FormatArgument(std::string text) : value_(std::move(text)) {}
     FormatArgument(std::string_view text) : value_(std::string(text)) {}
     FormatArgument(const std::optional<std::string>& text) {
         if (text) value_ = *text;
     }
-    FormatArgument(std::signed_integral auto number) : value_(static_cast<std::int64_t>(number)) {}
+    FormatArgument(std::signed_integral auto number)
+        : value_(static_cast<std::int64_t>(number)), isLong_(sizeof number > sizeof(int)) {}
     FormatArgument(std::unsigned_integral auto number) : value_(static_cast<std::uint64_t>(number)) {}
     FormatArgument(std::floating_point auto number) : value_(static_cast<double>(number)) {}
-    FormatArgument(bool flag) : value_(static_cast<std::int64_t>(flag)) {}
+    // Not by way of conversions, which would make "yes" of any pointer.
+    FormatArgument(std::same_as<bool> auto flag) : value_(static_cast<std::int64_t>(flag)) {}
+    template <class Enumeration>
+    requires std::is_enum_v<Enumeration> FormatArgument(Enumeration value)
+        : FormatArgument(static_cast<std::underlying_type_t<Enumeration>>(value)) {}
     // An object prints its class.
     FormatArgument(const NSObject* object) {
         if (object) value_ = std::string(object->class_().name);
@@ -39,9 +45,12 @@ public:
         : FormatArgument(static_cast<const NSObject*>(object.get())) {}
 
     const Value& value() const { return value_; }
+    // Whether a whole number has 64 bits: then its unsigned forms have as many.
+    bool isLong() const { return isLong_; }
 
 private:
     Value value_ = nullptr;
+    bool isLong_ = true;
 };
 
 // Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%.

@@ -27,8 +27,8 @@ void appendUnits(std::u16string& out, char32_t character) {
 
 bool isSurrogate(char32_t character) { return character >= 0xD800 && character <= 0xDFFF; }
 
-std::u16string unitsFromUtf8(std::string_view bytes) {
-    std::u16string out;
+// Each of these leaves what comes before a mistake in `out`, so that the mistake's line can be told.
+void unitsFromUtf8(std::string_view bytes, std::u16string& out) {
     out.reserve(bytes.size());
     for (std::size_t at = 0; at < bytes.size();) {
         const auto lead = static_cast<unsigned char>(bytes[at]);
@@ -51,14 +51,12 @@ std::u16string unitsFromUtf8(std::string_view bytes) {
         appendUnits(out, character);
         at += length;
     }
-    return out;
 }
 
 // Units of `width` bytes each.
-std::u16string unitsFromWide(std::string_view bytes, std::size_t width, bool bigEndian) {
-    std::u16string out;
-    if (bytes.size() % width != 0) throw SyntaxError{"the file ends within a character", bytes.size() / width};
+void unitsFromWide(std::string_view bytes, std::size_t width, bool bigEndian, std::u16string& out) {
     for (std::size_t at = 0; at < bytes.size(); at += width) {
+        if (at + width > bytes.size()) throw SyntaxError{"the file ends within a character", out.size()};
         char32_t unit = 0;
         for (std::size_t i = 0; i < width; ++i) {
             const auto byte = static_cast<unsigned char>(bytes[at + (bigEndian ? i : width - 1 - i)]);
@@ -67,18 +65,17 @@ std::u16string unitsFromWide(std::string_view bytes, std::size_t width, bool big
         if (width == 4 && (unit > 0x10FFFF || isSurrogate(unit))) throw SyntaxError{"not UTF-32", out.size()};
         appendUnits(out, unit);
     }
-    return out;
 }
 
-std::u16string decoded(std::string_view bytes) {
+void decode(std::string_view bytes, std::u16string& out) {
     using namespace std::string_view_literals;
     const auto without = [&](std::string_view mark) { return bytes.substr(mark.size()); };
-    if (bytes.starts_with("\xFF\xFE\0\0"sv)) return unitsFromWide(without("\xFF\xFE\0\0"sv), 4, false);
-    if (bytes.starts_with("\0\0\xFE\xFF"sv)) return unitsFromWide(without("\0\0\xFE\xFF"sv), 4, true);
-    if (bytes.starts_with("\xFF\xFE"sv)) return unitsFromWide(without("\xFF\xFE"sv), 2, false);
-    if (bytes.starts_with("\xFE\xFF"sv)) return unitsFromWide(without("\xFE\xFF"sv), 2, true);
-    if (bytes.starts_with("\xEF\xBB\xBF"sv)) return unitsFromUtf8(without("\xEF\xBB\xBF"sv));
-    return unitsFromUtf8(bytes);
+    if (bytes.starts_with("\xFF\xFE\0\0"sv)) return unitsFromWide(without("\xFF\xFE\0\0"sv), 4, false, out);
+    if (bytes.starts_with("\0\0\xFE\xFF"sv)) return unitsFromWide(without("\0\0\xFE\xFF"sv), 4, true, out);
+    if (bytes.starts_with("\xFF\xFE"sv)) return unitsFromWide(without("\xFF\xFE"sv), 2, false, out);
+    if (bytes.starts_with("\xFE\xFF"sv)) return unitsFromWide(without("\xFE\xFF"sv), 2, true, out);
+    if (bytes.starts_with("\xEF\xBB\xBF"sv)) return unitsFromUtf8(without("\xEF\xBB\xBF"sv), out);
+    unitsFromUtf8(bytes, out);
 }
 
 std::string utf8(std::u16string_view units) {
@@ -267,7 +264,7 @@ private:
             --at_;
             const auto code = readDigits(8, 3) & 0xFF;
             out += code < 0x80 ? static_cast<char16_t>(code) : kNextStep[code - 0x80];
-        } else if (c == 'U') {
+        } else if (c == 'U' && at_ < text_.size() && digitValue(text_[at_], 16) >= 0) {
             out += static_cast<char16_t>(readDigits(16, 4));
         } else {
             out += c;
@@ -305,7 +302,7 @@ StringsTable parseStringsTable(std::string_view bytes) {
     StringsTable table;
     std::u16string text;
     try {
-        text = decoded(bytes);
+        decode(bytes, text);
         table.entries = Parser(text).parse();
     } catch (const SyntaxError& error) {
         table.error = error.text;

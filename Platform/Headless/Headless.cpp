@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <deque>
 #include <functional>
 #include <stdexcept>
 #include <utility>
@@ -83,6 +84,7 @@ public:
     CGSize screenSize() const override { return options.screenSize; }
     void run() override;
     void stop() override { stopped = true; }
+    std::unique_ptr<port::TrackingLoop> beginTracking() override;
 
     void display();
     void tellAppearance(Appearance before);
@@ -92,6 +94,8 @@ public:
     port::ApplicationClient* application = nullptr;
     std::vector<WindowImplementation*> windows;
     std::optional<Appearance> ownAppearance;
+    std::deque<std::function<void()>> script;
+    bool starved = false;
     bool stopped = false;
 };
 
@@ -111,6 +115,7 @@ public:
     void moveByUser(CGPoint origin) override;
     bool closeByUser() override;
     void setKey(bool key) override;
+    void blockByModalDialog() override { client->peerBlocked(); }
     void destroy() override;
     const std::vector<std::string>& drawing(std::string_view viewName) const override {
         return named(viewName).lines;
@@ -467,6 +472,44 @@ void System::run() {
     }
 }
 
+namespace {
+
+// Waits by playing the script.
+struct TrackingLoop final : port::TrackingLoop {
+    explicit TrackingLoop(System& owner) : system(owner) {}
+
+    bool wait() override {
+        woken = false;
+        while (!woken && !system.stopped) {
+            if (!system.script.empty()) {
+                const auto step = std::move(system.script.front());
+                system.script.pop_front();
+                step();
+            } else if (system.queues->runMain(system.queues->now()) + system.queues->runGlobal() > 0) {
+                system.display();
+            } else if (const auto next = system.queues->nextOnMain()) {
+                system.queues->runMain(*next);
+                system.display();
+            } else {
+                system.starved = true;
+                return false;
+            }
+        }
+        return woken;
+    }
+    void wake() override { woken = true; }
+
+    System& system;
+    bool woken = false;
+};
+
+} // namespace
+
+std::unique_ptr<port::TrackingLoop> System::beginTracking() {
+    stopped = false;
+    return std::make_unique<TrackingLoop>(*this);
+}
+
 void System::display() {
     const auto copy = windows;
     for (auto* window : copy)
@@ -512,6 +555,10 @@ void Platform::runUntilIdle() {
 }
 
 std::size_t Platform::waitingForGlobalQueue() const { return system_->queues->waitingForGlobal(); }
+
+void Platform::script(std::function<void()> step) { system_->script.push_back(std::move(step)); }
+
+bool Platform::starved() { return std::exchange(system_->starved, false); }
 
 void Platform::display() { system_->display(); }
 

@@ -5,6 +5,7 @@
 #include <Base/Geometry.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,6 +40,7 @@ public:
     virtual void moveByUser(CGPoint contentOrigin) = 0; // from the top left of the screen
     virtual bool closeByUser() = 0;                     // false when it did not want to
     virtual void setKey(bool key) = 0;
+    virtual void blockByModalDialog() = 0; // opened by somebody else
     // The real window is taken away, as when a host deletes it.
     virtual void destroy() = 0;
 
@@ -82,6 +84,13 @@ public:
     // Both in turns until nothing is due.
     void runUntilIdle();
     std::size_t waitingForGlobalQueue() const;
+
+    // What happens while the program waits for events in the middle of one: each wait plays the next step,
+    // which feeds events or does anything else. A wait without a step lets due blocks run, and time pass to the
+    // next one.
+    void script(std::function<void()> step);
+    // Whether a wait has found neither a step nor a block since this was last asked; such a wait gives up.
+    bool starved();
 
     // Layout and drawing of everything that asked for it.
     void display();

@@ -9,15 +9,7 @@ Queues::Queues(bool withWorker) {
     if (withWorker) worker_ = std::thread([this] { work(); });
 }
 
-Queues::~Queues() {
-    {
-        const std::lock_guard guard(lock_);
-        ending_ = true;
-    }
-    changed_.notify_all();
-    if (worker_.joinable()) worker_.join();
-    dropAll();
-}
+Queues::~Queues() { dropAll(); }
 
 std::uint64_t Queues::now() const {
     const std::lock_guard guard(lock_);
@@ -65,17 +57,23 @@ std::size_t Queues::runGlobal() {
         changed_.wait(guard, [this] { return global_.empty() && !working_; });
         return std::exchange(finished_, 0);
     }
+    struct Background {
+        explicit Background(bool& flag) : playing(flag), before(std::exchange(flag, true)) {}
+        ~Background() { playing = before; }
+        bool& playing;
+        bool before;
+    };
     std::size_t count = 0;
     for (std::size_t waiting = waitingForGlobal(); waiting > 0; --waiting, ++count) {
-        std::function<void()> block;
+        const Background background(playingBackground_);
+        std::function<void()> block; // what it holds goes in the background, too
         {
             const std::lock_guard guard(lock_);
+            if (global_.empty()) break; // the last block ran or dropped the rest
             block = std::move(global_.front());
             global_.pop_front();
         }
-        playingBackground_ = true;
         block();
-        playingBackground_ = false;
     }
     return count;
 }
@@ -109,6 +107,13 @@ std::size_t Queues::waitingForGlobal() const {
 }
 
 void Queues::dropAll() {
+    {
+        const std::lock_guard guard(lock_);
+        ending_ = true;
+    }
+    changed_.notify_all();
+    // Here and not only at the end of life: a block may hold the last reference to the queues.
+    if (worker_.joinable()) worker_.join();
     decltype(main_) main;
     decltype(global_) global;
     const std::lock_guard guard(lock_);

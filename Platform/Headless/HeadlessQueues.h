@@ -31,6 +31,7 @@ public:
     std::size_t runGlobal();
     std::optional<std::uint64_t> nextOnMain() const;
     std::size_t waitingForGlobal() const;
+    // The end: waits for the block that runs on the worker, if there is one, and drops all others.
     void dropAll();
 
 private:

@@ -15,7 +15,8 @@ struct Log {
     std::mutex lock; // of what is waiting and who listens
     std::deque<DDLogMessage> waiting;
     std::vector<std::pair<std::shared_ptr<DDLogger>, int>> loggers;
-    std::recursive_mutex handling; // one record at a time; a logger may itself log
+    std::recursive_mutex handling; // one record at a time
+    bool isHandling = false;       // guarded by `handling`
 };
 
 // Leaked on purpose: threads may log until the process ends.
@@ -32,13 +33,21 @@ void DDLog::addLogger(const std::shared_ptr<DDLogger>& logger, int level) {
 }
 
 void DDLog::removeAllLoggers() {
+    decltype(Log::loggers) removed; // go after the locks: they may log
+    const std::lock_guard handling(log().handling);
     flushLog();
     const std::lock_guard guard(log().lock);
-    log().loggers.clear();
+    removed.swap(log().loggers);
 }
 
 void DDLog::flushLog() {
     const std::lock_guard handling(log().handling);
+    // What a logger logs itself is handled after its record has gone to the other loggers, by the loop below.
+    if (log().isHandling) return;
+    struct Handling {
+        Handling() { log().isHandling = true; }
+        ~Handling() { log().isHandling = false; }
+    } const running;
     while (true) {
         DDLogMessage message;
         std::vector<std::pair<std::shared_ptr<DDLogger>, int>> loggers;

@@ -51,7 +51,7 @@ public:
 };
 
 // The log. Records go to every logger whose level has their flag, one at a time and in order; without loggers
-// they go nowhere. From any thread.
+// they go nowhere. From any thread, loggers included: what a logger logs is handled after the record it has.
 class DDLog {
 public:
     static void addLogger(const std::shared_ptr<DDLogger>& logger, int level = DDLogLevelAll);

@@ -1,4 +1,5 @@
 #include "QtCanvas.h"
+#include "QtTrackingLoop.h"
 #include "QtViews.h"
 #include "QtWindow.h"
 #include "QtWindowSystem.h"
@@ -6,6 +7,7 @@
 #include <QApplication>
 #include <QFontMetricsF>
 #include <QScreen>
+#include <QWindow>
 
 namespace zr::qt {
 
@@ -114,10 +116,19 @@ void QtWindowSystem::run() { QApplication::exec(); }
 
 void QtWindowSystem::stop() { QCoreApplication::exit(0); }
 
+std::unique_ptr<port::TrackingLoop> QtWindowSystem::beginTracking() {
+    return std::make_unique<QtTrackingLoop>();
+}
+
 bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {
     // Reaches no widget of its own: a palette is the application's.
     if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && client_)
         client_->appearanceChanged();
+    // Comes to the platform's window, not to the widget.
+    if (event->type() == QEvent::WindowBlocked && watched->isWindowType()) {
+        auto* const widget = dynamic_cast<WindowWidget*>(QWidget::find(static_cast<QWindow*>(watched)->winId()));
+        if (widget && widget->client) widget->client->peerBlocked();
+    }
     return false;
 }
 

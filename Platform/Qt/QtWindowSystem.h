@@ -30,6 +30,7 @@ public:
     CGSize screenSize() const override;
     void run() override;
     void stop() override;
+    std::unique_ptr<port::TrackingLoop> beginTracking() override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

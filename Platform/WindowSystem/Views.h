@@ -70,6 +70,8 @@ public:
     virtual void peerClosed() = 0; // by the user or by close()
     virtual void peerKeyChanged(bool key) = 0;
     virtual void peerMoved() = 0; // on the screen, or to a screen of another scale
+    virtual void
+    peerBlocked() = 0; // by a modal dialog: no input comes any more, a release that is due included
     virtual void peerGone() = 0;
 };
 

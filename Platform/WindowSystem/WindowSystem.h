@@ -34,6 +34,18 @@ public:
                                                    ButtonClient& button) = 0;
 };
 
+// While it lives, the program waits for input in the middle of handling an event. Input for our views comes to
+// the window's client as always; what is meant for anything else is held back, and handed out when the loop is
+// destroyed.
+class TrackingLoop {
+public:
+    virtual ~TrackingLoop() = default;
+    // Runs the window system, with timers, queues and drawing, until wake(). False when it ended for another
+    // reason, and nothing more is to come. May be nested.
+    virtual bool wait() = 0;
+    virtual void wake() = 0; // every wait that is under way
+};
+
 class WindowSystem : public Graphics, public PeerFactory {
 public:
     virtual Appearance appearance() const = 0;
@@ -41,6 +53,7 @@ public:
     virtual CGSize screenSize() const = 0;                                // of the primary screen, points
     virtual void run() = 0;                                               // until stop()
     virtual void stop() = 0;
+    virtual std::unique_ptr<TrackingLoop> beginTracking() = 0;
 };
 
 // The portable side, as adaptors see it.

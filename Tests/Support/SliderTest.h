@@ -61,6 +61,8 @@ inline constexpr const char* kTrackLine =
 template <class Slider>
 class SliderTest : public testing::Test {
 protected:
+    void TearDown() override { EXPECT_FALSE(platform_.starved()); }
+
     // Shows the slider, which draws it once.
     void show() {
         window_ = make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, kSliderFrame,
