@@ -169,7 +169,7 @@ TEST_F(QtTracking, TakingTheSliderOutEndsTheDrag) {
 TEST_F(QtTracking, AModalDialogEndsTheDrag) {
     QDialog dialog;
     dialog.setModal(true);
-    then([&] { dialog.open(); });
+    then([&] { dialog.show(); });
     press(at(700));
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_THAT(recorder_->log, ElementsAre("begin 700"));

@@ -83,18 +83,16 @@ public:
     NSPoint origin;
     Paint paint;
 };
-ZR_CLASS_TABLE(Shape, .actions = {actionNamed<&Shape::turn>("turn:"), actionNamed<&Shape::grow>("grow:"),
-                                  actionNamed<&Shape::drop>("drop:")},
+ZR_CLASS_TABLE(Shape,
+               .actions = {actionNamed<&Shape::turn>("turn:"), actionNamed<&Shape::grow>("grow:"),
+                           actionNamed<&Shape::drop>("drop:")},
                .outlets = {outletNamed<&Shape::setNext>("next"), outletNamed<&Shape::setListener>("listener")},
-               .attributes = {attributeNamed<&Shape::setTitle>("title"),
-                              attributeNamed<&Shape::setSubtitle>("subtitle"),
-                              attributeNamed<&Shape::setSize>("size"), attributeNamed<&Shape::setScale>("scale"),
-                              attributeNamed<&Shape::setCount>("count"),
-                              attributeNamed<&Shape::setSteps>("steps"),
-                              attributeNamed<&Shape::setTotal>("total"),
-                              attributeNamed<&Shape::setHidden>("hidden"),
-                              attributeNamed<&Shape::setOrigin>("origin"),
-                              attributeNamed<&Shape::setPaint>("paint")})
+               .attributes = {
+                   attributeNamed<&Shape::setTitle>("title"), attributeNamed<&Shape::setSubtitle>("subtitle"),
+                   attributeNamed<&Shape::setSize>("size"), attributeNamed<&Shape::setScale>("scale"),
+                   attributeNamed<&Shape::setCount>("count"), attributeNamed<&Shape::setSteps>("steps"),
+                   attributeNamed<&Shape::setTotal>("total"), attributeNamed<&Shape::setHidden>("hidden"),
+                   attributeNamed<&Shape::setOrigin>("origin"), attributeNamed<&Shape::setPaint>("paint")})
 
 class Circle : public Shape, public Listener {
 public:

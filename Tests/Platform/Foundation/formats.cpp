@@ -150,9 +150,11 @@ TEST(Formats, UnsignedNumbersAreAsInC) {
 
 TEST(Formats, RealNumbersAreAsInC) {
     expectAsInC<double>("-0+ #", "fFeEgG",
-                        {0.0, -0.0, 1.0, 0.5, 1.5, 2.5, -3.25, 0.1, 99999.95, 123456.789, 1234567.0, 1e-4, 1e-5,
-                         9.9999e-5, 1e15, 1e22, 1e100, -1e-100, 5e-324, 1.7976931348623157e308, kInfinity,
-                         -kInfinity, std::nan("")});
+                        {0.0,       -0.0,       1.0,         0.5,       1.5,
+                         2.5,       -3.25,      0.1,         99999.95,  123456.789,
+                         1234567.0, 1e-4,       1e-5,        9.9999e-5, 1e15,
+                         1e22,      1e100,      -1e-100,     5e-324,    1.7976931348623157e308,
+                         kInfinity, -kInfinity, std::nan("")});
 }
 
 TEST(Formats, Characters) {
