@@ -58,7 +58,9 @@ bool EditorView::initWithFrame(const NSRect& frame) {
     startLabel_ = addLabel("startLabel", times, NSTextAlignmentLeft);
     clipLabel_ = addLabel("clipLabel", times, NSTextAlignmentCenter);
     endLabel_ = addLabel("endLabel", times, NSTextAlignmentRight);
-    messageLabel_ = addLabel("messageLabel", NSFont::systemFontOfSize(0), NSTextAlignmentLeft);
+    messageLabel_ = NSTextField::wrappingLabelWithString("");
+    messageLabel_->setIdentifier("messageLabel");
+    addSubview(messageLabel_);
 
     saveButton_ = make<NSButton>();
     saveButton_->setIdentifier("saveButton");
@@ -83,8 +85,10 @@ void EditorView::layout() {
     const NSSize button = saveButton_->frame().size;
     double bottom = kMargin;
     saveButton_->setFrameOrigin({kMargin + width - button.width, bottom});
-    messageLabel_->setFrame({{kMargin, bottom + std::floor((button.height - kLine) / 2)},
-                             {std::max(0.0, width - button.width - kSpacing), kLine}});
+    // Two lines, for messages that name a long path.
+    const double twoLines = 2 * kLine;
+    messageLabel_->setFrame({{kMargin, bottom + std::floor((button.height - twoLines) / 2)},
+                             {std::max(0.0, width - button.width - 2 * kSpacing), twoLines}});
     bottom += button.height + 2 * kSpacing;
 
     const double third = std::floor(width / 3);

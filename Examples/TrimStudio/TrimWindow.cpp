@@ -5,6 +5,7 @@
 #include <Foundation/NSString.h>
 #include <ZRUIKit/KitFoundation.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -59,8 +60,7 @@ void TrimWindow::show() {
 }
 
 void TrimWindow::open() {
-    editor_->setMessage("Opening…", false);
-    describeSoon();
+    setStatus("Opening…");
     InBackground([path = path_] { return openMedia(path); },
                  [self = retained(this)](Outcome<MediaFile> outcome) { self->opened(std::move(outcome)); });
 }
@@ -79,7 +79,7 @@ void TrimWindow::opened(Outcome<MediaFile> outcome) {
     editor_->slider()->setSelection_length(0, file_->duration * kMillisecondsPerSecond);
     editor_->waveform()->setDuration(file_->duration);
     editor_->setEditing(true);
-    succeed("");
+    setStatus("");
     clipChanged();
     readWaveform();
 }
@@ -117,6 +117,16 @@ void TrimWindow::clipChanged() {
     editor_->waveform()->setClip(start, length);
 }
 
+void TrimWindow::splitSliderViewBeginDragClip_bLeftClip(SplitSliderView&, bool leftClip) {
+    if (!leftClip || !file_->startsAtKeyFrames) return;
+    // Until it is known where the copy would begin there is nothing to be saved.
+    ++jobs_->startRequest;
+    findingStart_ = true;
+    notice_.clear();
+    if (!saving_ && !failed_) status_.clear();
+    showMessage();
+}
+
 void TrimWindow::splitSliderViewDragClipTo_bLeftClip(SplitSliderView&, bool) { clipChanged(); }
 
 void TrimWindow::splitSliderViewEndDragClip_bLeftClip(SplitSliderView&, bool leftClip) {
@@ -128,20 +138,17 @@ void TrimWindow::splitSliderViewEndDragClip_bLeftClip(SplitSliderView&, bool lef
 // A file that can only begin at a key frame: the clip's start goes to where the copy will really begin.
 void TrimWindow::findRealStart() {
     const double asked = editor_->slider()->selectionItem()->dStart() / kMillisecondsPerSecond;
-    findingStart_ = true;
-    updateButton();
+    const int request = jobs_->startRequest;
     InBackground(
-        [jobs = jobs_, asked] {
+        [jobs = jobs_, asked, request] {
             const std::lock_guard guard(jobs->finderLock);
-            return jobs->finder->realStart(asked);
+            return jobs->startRequest == request ? jobs->finder->realStart(asked) : asked;
         },
-        [self = retained(this), request = ++startRequest_, asked](double found) {
-            self->realStartFound(request, asked, found);
-        });
+        [self = retained(this), request, asked](double found) { self->realStartFound(request, asked, found); });
 }
 
 void TrimWindow::realStartFound(int request, double asked, double found) {
-    if (jobs_->cancelled || request != startRequest_) return;
+    if (jobs_->cancelled || request != jobs_->startRequest) return;
     findingStart_ = false;
     const auto& selection = *editor_->slider()->selectionItem();
     const double end = selection.dStart() + selection.dLength();
@@ -150,57 +157,63 @@ void TrimWindow::realStartFound(int request, double asked, double found) {
     clipChanged();
     constexpr double kNoticeable = 0.0005;
     if (std::abs(found - asked) > kNoticeable)
-        succeed(stringWithFormat("This format can only begin at a key frame: the clip starts at %@.",
-                                 timeText(found)));
-    updateButton();
+        notice_ = stringWithFormat("This format can only begin at a key frame: the clip starts at %@.",
+                                   timeText(found));
+    showMessage();
 }
 
 void TrimWindow::saveTrimmed(NSObject*) {
     if (!file_ || saving_ || findingStart_) return;
     saving_ = true;
     saved_.reset();
-    updateButton();
-    succeed("Saving…");
+    notice_.clear();
+    setStatus("Saving…");
+    // The handles leave five milliseconds, also of a file that is shorter.
     const auto& selection = *editor_->slider()->selectionItem();
-    const TrimRequest request = {path_, selection.dStart() / kMillisecondsPerSecond,
-                                 selection.dLength() / kMillisecondsPerSecond};
+    const double start = std::max(0.0, selection.dStart() / kMillisecondsPerSecond);
+    const double length = std::min(selection.dLength() / kMillisecondsPerSecond, file_->duration - start);
     const std::weak_ptr<TrimWindow> weak = retained(this);
     const auto showProgress = [weak](double fraction) {
         OnMainQueue([weak, fraction] {
             const auto self = weak.lock();
             if (self && self->saving_)
-                self->succeed(stringWithFormat("Saving… %d %%", std::lround(fraction * 100)));
+                self->setStatus(stringWithFormat("Saving… %d %%", std::lround(fraction * 100)));
         });
     };
-    InBackground([request, jobs = jobs_,
+    InBackground([request = TrimRequest{path_, start, length}, jobs = jobs_,
                   showProgress] { return trimstudio::saveTrimmed(request, jobs->cancelled, showProgress); },
                  [self = retained(this)](const Outcome<Trimmed>& outcome) { self->saveEnded(outcome); });
 }
 
 void TrimWindow::saveEnded(const Outcome<Trimmed>& outcome) {
-    if (jobs_->cancelled) return;
     saving_ = false;
+    const bool closes = std::exchange(closesWhenSaved_, false);
     if (outcome) {
         saved_ = outcome.value().path.string();
-        succeed(stringWithFormat("Saved “%@”, %@ long.", outcome.value().path.filename().string(),
-                                 timeText(outcome.value().length)));
+        setStatus(stringWithFormat("Saved “%@”, %@ long.", outcome.value().path.filename().string(),
+                                   timeText(outcome.value().length)));
+        if (closes) window_->close();
     } else {
         fail(outcome.error());
     }
-    updateButton();
 }
 
-void TrimWindow::succeed(const std::string& message) {
+void TrimWindow::setStatus(const std::string& text) {
     failed_ = false;
-    editor_->setMessage(message, false);
-    updateButton();
-    describeSoon();
+    status_ = text;
+    showMessage();
 }
 
-void TrimWindow::fail(const std::string& message) {
+void TrimWindow::fail(const std::string& text) {
     failed_ = true;
-    editor_->setMessage(message, true);
-    std::fprintf(stderr, "TrimStudio: %s\n", message.c_str());
+    status_ = text;
+    std::fprintf(stderr, "TrimStudio: %s\n", text.c_str());
+    showMessage();
+}
+
+void TrimWindow::showMessage() {
+    const char* const between = status_.empty() || notice_.empty() ? "" : " ";
+    editor_->setMessage(stringWithFormat("%@%s%@", status_, between, notice_), failed_);
     updateButton();
     describeSoon();
 }
@@ -208,6 +221,11 @@ void TrimWindow::fail(const std::string& message) {
 void TrimWindow::updateButton() {
     const bool enabled = file_ && !saving_ && !findingStart_;
     if (enabled != editor_->saveButton()->isEnabled()) editor_->saveButton()->setEnabled(enabled);
+}
+
+std::optional<bool> TrimWindow::windowShouldClose(NSWindow&) {
+    closesWhenSaved_ = saving_;
+    return !saving_;
 }
 
 void TrimWindow::windowWillClose(NSWindow&) { jobs_->cancelled = true; }

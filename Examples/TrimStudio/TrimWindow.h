@@ -33,8 +33,11 @@ public:
     // Whether the last thing that was tried with this file did not work.
     bool failed() const { return failed_; }
 
+    void splitSliderViewBeginDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
     void splitSliderViewDragClipTo_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
     void splitSliderViewEndDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
+    std::optional<bool>
+    windowShouldClose(zr::NSWindow& window) override; // not while it saves: then when that is done
     void windowWillClose(zr::NSWindow& window) override;
     void windowDidResize(zr::NSWindow& window) override;
     void windowDidMove(zr::NSWindow& window) override;
@@ -43,6 +46,7 @@ private:
     // Shared with the background: what it is to look at, and an end to its work.
     struct Jobs {
         std::atomic<bool> cancelled = false;
+        std::atomic<int> startRequest = 0; // counts drags: only the answer to the last one is of use
         std::mutex finderLock;
         std::optional<StartFinder> finder; // guarded by finderLock
     };
@@ -54,8 +58,9 @@ private:
     void findRealStart();
     void realStartFound(int request, double asked, double found);
     void saveEnded(const Outcome<Trimmed>& outcome);
-    void succeed(const std::string& message);
-    void fail(const std::string& message);
+    void setStatus(const std::string& text);
+    void fail(const std::string& text);
+    void showMessage();
     void updateButton();
     void describeSoon();
 
@@ -66,9 +71,11 @@ private:
     std::shared_ptr<EditorView> editor_;
     std::shared_ptr<Jobs> jobs_ = std::make_shared<Jobs>();
     std::string lastDescription_;
-    int startRequest_ = 0; // counts drags, so that only the answer to the last one is used
+    std::string status_; // of opening and saving
+    std::string notice_; // about the clip that is chosen
     bool findingStart_ = false;
     bool saving_ = false;
+    bool closesWhenSaved_ = false;
     bool failed_ = false;
     bool describes_ = false;
     bool descriptionPosted_ = false;

@@ -22,8 +22,8 @@ NSApplication& NSApplication::sharedApplication() {
 }
 
 void NSApplication::run() {
+    if (!terminating_) installation()->windowSystem.run();
     terminating_ = false;
-    installation()->windowSystem.run();
 }
 
 void NSApplication::terminate(NSObject*) {
@@ -73,6 +73,7 @@ void NSApplication::closeAllWindows() {
     while (!windows_.empty()) {
         const auto window = windows_.back();
         window->close();
+        std::erase(windows_, window);
     }
 }
 

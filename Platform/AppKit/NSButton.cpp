@@ -1,5 +1,6 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSStringDrawing.h>
+#include <AppKit/NSWindow.h>
 #include <WindowSystem/WindowSystem.h>
 
 #include <cmath>
@@ -37,6 +38,7 @@ void NSButton::setTitle(const std::string& title) {
 
 void NSButton::setEnabled(bool enabled) {
     NSControl::setEnabled(enabled);
+    if (!enabled && window() && window()->firstResponder() == this) window()->makeFirstResponder(nullptr);
     if (button_) button_->setEnabled(enabled);
 }
 

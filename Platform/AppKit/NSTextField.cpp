@@ -15,6 +15,12 @@ std::shared_ptr<NSTextField> NSTextField::labelWithString(const std::string& tex
     return label;
 }
 
+std::shared_ptr<NSTextField> NSTextField::wrappingLabelWithString(const std::string& text) {
+    auto label = labelWithString(text);
+    label->wraps_ = true;
+    return label;
+}
+
 void NSTextField::setStringValue(const std::string& text) {
     if (text == text_) return;
     text_ = text;
@@ -50,6 +56,7 @@ std::unique_ptr<port::ViewPeer> NSTextField::makePeer(port::PeerFactory& factory
     auto peer = factory.makeLabel(parent, client);
     label_ = peer.get();
     tellPeer();
+    label_->setWraps(wraps_);
     label_->setText(text_);
     return peer;
 }

@@ -11,12 +11,15 @@ namespace port {
 class LabelPeer;
 }
 
-// One line of text that the user reads: a label, the window system's own.
+// Text that the user reads: a label, the window system's own.
 class NSTextField : public NSControl {
 public:
     ZR_CLASS(NSTextField, NSControl)
 
+    // One line, shortened where it does not fit.
     static std::shared_ptr<NSTextField> labelWithString(const std::string& text);
+    // As many lines as there is room for.
+    static std::shared_ptr<NSTextField> wrappingLabelWithString(const std::string& text);
 
     const std::string& stringValue() const { return text_; }
     void setStringValue(const std::string& text);
@@ -38,6 +41,7 @@ private:
     std::string text_;
     NSColor textColor_ = NSColor::labelColor();
     NSTextAlignment alignment_ = NSTextAlignmentLeft;
+    bool wraps_ = false;
     port::LabelPeer* label_ = nullptr; // the peer, as what it is
 };
 

@@ -86,8 +86,9 @@ void NSView::addSubview(const std::shared_ptr<NSView>& view) {
 void NSView::removeFromSuperview() {
     if (!superview_) return;
     const auto held = retained(this);
-    NSView* const superview = superview_;
     if (window_) window_->viewWillLeave(*this);
+    NSView* const superview = superview_; // after what others did in the meantime
+    if (!superview) return;
     unrealise();
     superview_ = nullptr;
     setNextResponder(nullptr);
@@ -268,12 +269,14 @@ void NSView::adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPee
     peer_->setName(identifier_.empty() ? std::string(class_().name) : identifier_);
     placePeer();
     if (hidden_) peer_->setHidden(true);
-    for (const auto& subview : subviews_) subview->realise(factory, *peer_);
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->realise(factory, *peer_);
 }
 
 void NSView::unrealise() {
     if (!peer_) return;
-    for (const auto& subview : subviews_) subview->unrealise();
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->unrealise();
     peerWillGo();
     peer_.reset();
 }

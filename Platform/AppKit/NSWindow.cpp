@@ -5,6 +5,8 @@
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 
+#include <algorithm>
+
 namespace zr {
 
 ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("performClose:")})
@@ -91,8 +93,10 @@ void NSWindow::setContentView(const std::shared_ptr<NSView>& view) {
 }
 
 void NSWindow::setContentSize(const NSSize& size) {
-    if (peer_) peer_->setContentSize(size);
-    contentResized(size);
+    const auto held = retained(this);
+    const NSSize limited = {std::min(std::max(size.width, contentMinSize_.width), contentMaxSize_.width),
+                            std::min(std::max(size.height, contentMinSize_.height), contentMaxSize_.height)};
+    contentResized(peer_ ? peer_->setContentSize(limited) : limited);
 }
 
 void NSWindow::setContentMinSize(const NSSize& size) {
@@ -108,7 +112,8 @@ void NSWindow::setContentMaxSize(const NSSize& size) {
 void NSWindow::contentResized(const NSSize& size) {
     if (size == contentSize_) return;
     contentSize_ = size;
-    contentView_->setFrame({NSZeroPoint, size});
+    const auto content = contentView_;
+    content->setFrame({NSZeroPoint, size});
     update();
     if (const auto delegate = this->delegate()) delegate->windowDidResize(*this);
 }
@@ -120,6 +125,7 @@ void NSWindow::realise() {
     peer_->setTitle(title_);
     peer_->setContentLimits(contentMinSize_, contentMaxSize_);
     contentView_->realiseAsContent(system, *peer_);
+    focusFirstResponder();
 }
 
 void NSWindow::unrealise() {
@@ -159,13 +165,15 @@ bool NSWindow::shouldClose() {
 }
 
 void NSWindow::close() {
-    if (!visible_ && !peer_) return;
+    if (closing_ || (!visible_ && !peer_)) return;
     const auto held = retained(this);
+    closing_ = true;
     cancelTracking();
     if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
     visible_ = false;
     keyChanged(false);
     unrealise();
+    closing_ = false;
     if (installation()) NSApplication::sharedApplication().windowWasClosed(*this);
 }
 
@@ -182,19 +190,28 @@ bool NSWindow::makeFirstResponder(NSResponder* responder) {
     if (old && old.get() != this && !old->resignFirstResponder()) return false;
     const bool taken = wanted != this && wanted->becomeFirstResponder();
     firstResponder_ = taken ? retained(wanted) : nullptr;
-    auto* const view = dynamic_cast<NSView*>(taken ? wanted : static_cast<NSResponder*>(contentView_.get()));
-    if (view && view->peer_) view->peer_->focus();
+    focusFirstResponder();
     return true;
 }
 
+// The window system's focus follows: with the content where the window itself is first responder.
+void NSWindow::focusFirstResponder() {
+    auto* const first = dynamic_cast<NSView*>(firstResponder());
+    NSView* const view = first ? first : contentView_.get();
+    if (view->peer_) view->peer_->focus();
+}
+
 void NSWindow::peerFocused(NSView& view) {
-    const auto now = firstResponder();
-    if (now != &view) makeFirstResponder(&view);
+    if (closing_ || firstResponder() == &view) return;
+    if (!makeFirstResponder(&view)) focusFirstResponder();
 }
 
 void NSWindow::viewWillLeave(NSView& view) {
     auto* const first = dynamic_cast<NSView*>(firstResponder());
-    if (first && first->isDescendantOf(view)) makeFirstResponder(nullptr);
+    if (first && first->isDescendantOf(view)) {
+        makeFirstResponder(nullptr);
+        firstResponder_.reset(); // whatever it said
+    }
     for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) {
         const auto pressedView = pressed->lock();
         if (!pressedView || !pressedView->isDescendantOf(view)) continue;
@@ -257,7 +274,10 @@ void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) 
     if (phase == Phase::release) pressed.reset();
     if (!view) return;
     const bool takesFocus = event.type() == NSEventTypeLeftMouseDown && view->acceptsFirstResponder();
-    if (takesFocus && view.get() != firstResponder() && !makeFirstResponder(view.get())) return;
+    if (takesFocus && view.get() != firstResponder() && !makeFirstResponder(view.get())) {
+        pressed.reset();
+        return;
+    }
     (view.get()->*message)(event);
 }
 
@@ -300,7 +320,8 @@ void NSWindow::scheduleUpdate() {
 
 void NSWindow::update() {
     updateScheduled_ = false;
-    contentView_->layoutSubtreeIfNeeded();
+    const auto content = contentView_;
+    content->layoutSubtreeIfNeeded();
 }
 
 void NSWindow::keyChanged(bool key) {
@@ -314,7 +335,10 @@ void NSWindow::keyChanged(bool key) {
         delegate->windowDidResignKey(*this);
 }
 
-void NSWindow::appearanceChanged() { contentView_->appearanceChanged(); }
+void NSWindow::appearanceChanged() {
+    const auto content = contentView_;
+    content->appearanceChanged();
+}
 
 NSRect NSWindow::convertRectToScreen(const NSRect& rect) const {
     if (!peer_) return rect;

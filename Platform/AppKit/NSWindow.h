@@ -106,6 +106,7 @@ private:
     void keyChanged(bool key);
     void peerFocused(NSView& view);
     void viewWillLeave(NSView& view);
+    void focusFirstResponder();
     void cancelTracking();
     void appearanceChanged();
     void mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed);
@@ -124,6 +125,7 @@ private:
     std::unique_ptr<port::WindowPeer> peer_;
     unsigned styleMask_ = 0;
     bool visible_ = false;
+    bool closing_ = false;
     bool key_ = false;
     bool updateScheduled_ = false;
     unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up

@@ -156,7 +156,7 @@ Number integerNumber(const FormatArgument& argument, const Conversion& conversio
 // The general form without its zeros cut off: with `precision` digits in all.
 std::string allDigitsOf(double number, int precision) {
     const int digits = std::max(1, precision);
-    const std::string scientific = digitsOf(number, std::chars_format::scientific, digits - 1);
+    std::string scientific = digitsOf(number, std::chars_format::scientific, digits - 1);
     const int exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
     if (exponent < -4 || exponent >= digits) return scientific;
     return digitsOf(number, std::chars_format::fixed, digits - 1 - exponent);

@@ -29,10 +29,9 @@ public:
     }
     FormatArgument(std::signed_integral auto number)
         : value_(static_cast<std::int64_t>(number)), isLong_(sizeof number > sizeof(int)) {}
+    // Truth, too; but no conversion to it, which would make a 1 of any pointer.
     FormatArgument(std::unsigned_integral auto number) : value_(static_cast<std::uint64_t>(number)) {}
     FormatArgument(std::floating_point auto number) : value_(static_cast<double>(number)) {}
-    // Not by way of conversions, which would make "yes" of any pointer.
-    FormatArgument(std::same_as<bool> auto flag) : value_(static_cast<std::int64_t>(flag)) {}
     template <class Enumeration>
     requires std::is_enum_v<Enumeration> FormatArgument(Enumeration value)
         : FormatArgument(static_cast<std::underlying_type_t<Enumeration>>(value)) {}

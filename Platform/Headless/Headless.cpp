@@ -206,6 +206,7 @@ struct PlainPeer final : PeerOf<port::ViewPeer> {};
 
 struct LabelPeer final : PeerOf<port::LabelPeer> {
     void setText(const std::string& text) override { view->text = text; }
+    void setWraps(bool) override { view->dirty = true; }
     void setAppearance(const FontDescription&, const Colour&, NSTextAlignment) override { view->dirty = true; }
 };
 
@@ -239,7 +240,10 @@ struct WindowPeer final : port::WindowPeer {
     }
     void close() override { window->client->peerClosed(); }
     void setTitle(const std::string& title) override { window->title_ = title; }
-    void setContentSize(CGSize size) override { window->setContentSize(size); }
+    CGSize setContentSize(CGSize size) override {
+        window->setContentSize(size);
+        return size;
+    }
     void setContentLimits(CGSize minimum, CGSize maximum) override {
         window->minimum = minimum;
         window->maximum = maximum;

@@ -14,6 +14,9 @@ const auto kWakeEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 }
 
 QtQueues::QtQueues() {
+    // Blocks that wait for the disk must not keep others from running.
+    constexpr int kFewestThreads = 8;
+    pool_.setMaxThreadCount(std::max(kFewestThreads, QThread::idealThreadCount()));
     timer_.setSingleShot(true);
     timer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer_, &QTimer::timeout, this, [this] { runDueBlocks(); });

@@ -55,18 +55,20 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
 // After the window got the event, this widget may be cut off from its view, or its window closed.
 void ViewWidget::offer(QInputEvent& event, InputEvent input, QPointF position) {
     const auto held = link;
-    const bool declined =
-        held->declinedType == event.type() && held->declinedAt == event.timestamp() && event.timestamp() != 0;
+    const QPointer<QWidget> self = this;
     event.ignore();
-    if (declined || !held->client || !held->content) return;
+    const bool offeredBefore =
+        held->declinedType == event.type() && held->declinedBy && held->declinedBy->parentWidget() == this;
+    held->declinedBy = offeredBefore ? self : nullptr;
+    if (offeredBefore || !held->client || !held->content) return;
     const QPointF inContent = QPointF(mapTo(held->content, QPoint(0, 0))) + position;
     input.location = {inContent.x(), inContent.y()};
     if (held->client->peerEvent(input)) {
         event.accept();
         return;
     }
+    held->declinedBy = self;
     held->declinedType = event.type();
-    held->declinedAt = event.timestamp();
 }
 
 void ViewWidget::mouse(QMouseEvent& event) {
@@ -114,9 +116,10 @@ void LabelWidget::changeEvent(QEvent* event) {
 
 void LabelWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
-    style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(), shown,
-                          QPalette::WindowText);
+    const int flags =
+        static_cast<int>(alignment()) | (wordWrap() ? Qt::TextWordWrap | Qt::TextWrapAnywhere : 0);
+    const QString shown = wordWrap() ? text() : fontMetrics().elidedText(text(), Qt::ElideRight, width());
+    style()->drawItemText(&painter, rect(), flags, palette(), isEnabled(), shown, QPalette::WindowText);
 }
 
 // ButtonWidget
@@ -144,6 +147,10 @@ void ButtonWidget::focusOutEvent(QFocusEvent* event) {
 
 void LabelPeer::setText(const std::string& text) {
     if (widget_) widget_->setText(QString::fromStdString(text));
+}
+
+void LabelPeer::setWraps(bool wraps) {
+    if (widget_) widget_->setWordWrap(wraps);
 }
 
 void LabelPeer::setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) {

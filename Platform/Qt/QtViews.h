@@ -16,9 +16,10 @@ namespace zr::qt {
 struct WindowLink {
     port::WindowClient* client = nullptr;
     QPointer<QWidget> content; // whose corner events are measured from
-    // The event that the window did not take: Qt offers it to the parents, too, which must not offer it again.
+    // The last widget whose event the window did not take: Qt hands that event to the parents, too, one after
+    // the other, and they must not offer it again.
+    QPointer<QWidget> declinedBy;
     QEvent::Type declinedType = QEvent::None;
-    quint64 declinedAt = 0;
 };
 
 // The widget of a view that draws.
@@ -53,7 +54,7 @@ private:
     double height_ = 0;
 };
 
-// One line of text that is shortened where it does not fit.
+// Text on one line, which is shortened where it does not fit, or on several.
 class LabelWidget final : public QLabel {
 public:
     LabelWidget(QWidget* parent, port::ViewClient& viewClient);
@@ -152,6 +153,7 @@ class LabelPeer final : public PeerOf<port::LabelPeer, LabelWidget> {
 public:
     using PeerOf::PeerOf;
     void setText(const std::string& text) override;
+    void setWraps(bool wraps) override;
     void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) override;
 };
 

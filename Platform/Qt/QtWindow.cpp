@@ -49,7 +49,8 @@ bool WindowWidget::event(QEvent* event) {
 // The client closes by letting go of its peer, and so of this widget.
 void WindowWidget::closeEvent(QCloseEvent* event) {
     event->ignore();
-    if (client && client->peerShouldClose() && client) client->peerClosed();
+    const QPointer<WindowWidget> self = this; // the answer may take a while, and the widget with it
+    if (client && client->peerShouldClose() && self && self->client) self->client->peerClosed();
 }
 
 void WindowWidget::resizeEvent(QResizeEvent*) {
@@ -88,13 +89,14 @@ std::unique_ptr<port::ViewPeer> WindowPeer::makeContent(port::ViewClient& client
     return peer;
 }
 
+// Showing, resizing and limiting a widget reach the client at once, which may let go of this peer.
 void WindowPeer::show(bool activate) {
-    if (!widget_) return;
-    widget_->setAttribute(Qt::WA_ShowWithoutActivating, !activate);
-    widget_->show();
+    const QPointer<WindowWidget> widget = widget_;
+    if (widget) widget->setAttribute(Qt::WA_ShowWithoutActivating, !activate);
+    if (widget) widget->show();
     if (!activate) return;
-    widget_->raise();
-    widget_->activateWindow();
+    if (widget) widget->raise();
+    if (widget) widget->activateWindow();
 }
 
 void WindowPeer::hide() {
@@ -109,18 +111,21 @@ void WindowPeer::setTitle(const std::string& title) {
     if (widget_) widget_->setWindowTitle(QString::fromStdString(title));
 }
 
-void WindowPeer::setContentSize(CGSize size) {
-    if (!widget_) return;
+CGSize WindowPeer::setContentSize(CGSize size) {
+    const QPointer<WindowWidget> widget = widget_;
+    if (!widget) return size;
     if (resizable_)
-        widget_->resize(wholeSize(size));
+        widget->resize(wholeSize(size));
     else
-        widget_->setFixedSize(wholeSize(size));
+        widget->setFixedSize(wholeSize(size));
+    return widget ? sizeOf(widget->size()) : size;
 }
 
 void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
-    if (!widget_ || !resizable_) return;
-    widget_->setMinimumSize(wholeSize(minimum));
-    widget_->setMaximumSize(wholeSize(maximum));
+    const QPointer<WindowWidget> widget = widget_;
+    if (!widget || !resizable_) return;
+    widget->setMinimumSize(wholeSize(minimum));
+    if (widget) widget->setMaximumSize(wholeSize(maximum));
 }
 
 void WindowPeer::scheduleUpdate() {

@@ -18,7 +18,7 @@ public:
 
     port::WindowClient* client; // null once the peer is gone
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
-    ViewWidget* contentWidget = nullptr;
+    QPointer<ViewWidget> contentWidget;
 
 protected:
     bool event(QEvent* event) override;
@@ -37,7 +37,7 @@ public:
     void hide() override;
     void close() override;
     void setTitle(const std::string& title) override;
-    void setContentSize(CGSize size) override;
+    CGSize setContentSize(CGSize size) override;
     void setContentLimits(CGSize minimum, CGSize maximum) override;
     void scheduleUpdate() override;
     CGPoint contentOriginOnScreen() const override;

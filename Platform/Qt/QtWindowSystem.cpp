@@ -58,7 +58,8 @@ QtWindowSystem::QtWindowSystem() {
 }
 
 QtWindowSystem::~QtWindowSystem() {
-    if (qApp) qApp->removeEventFilter(this);
+    qApp->removeEventFilter(this);
+    if (hasOwnPalette_) QApplication::setPalette(desktopPalette_);
 }
 
 std::shared_ptr<port::Bitmap> QtWindowSystem::loadBitmap(const std::string& path) {
@@ -126,7 +127,8 @@ bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {
         client_->appearanceChanged();
     // Comes to the platform's window, not to the widget.
     if (event->type() == QEvent::WindowBlocked && watched->isWindowType()) {
-        auto* const widget = dynamic_cast<WindowWidget*>(QWidget::find(static_cast<QWindow*>(watched)->winId()));
+        auto* const widget =
+            dynamic_cast<WindowWidget*>(QWidget::find(static_cast<QWindow*>(watched)->winId()));
         if (widget && widget->client) widget->client->peerBlocked();
     }
     return false;

@@ -41,6 +41,7 @@ public:
 class LabelPeer : public virtual ViewPeer {
 public:
     virtual void setText(const std::string& text) = 0;
+    virtual void setWraps(bool wraps) = 0; // lines at the width, instead of shortening the one there is
     virtual void setAppearance(const FontDescription& font, const Colour& colour,
                                NSTextAlignment alignment) = 0;
 };
@@ -82,7 +83,7 @@ public:
     virtual void hide() = 0;
     virtual void close() = 0; // without asking
     virtual void setTitle(const std::string& title) = 0;
-    virtual void setContentSize(CGSize size) = 0;
+    virtual CGSize setContentSize(CGSize size) = 0; // answers what it became
     virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;
     virtual void scheduleUpdate() = 0;                 // asks for one peerUpdate
     virtual CGPoint contentOriginOnScreen() const = 0; // from the top left of the primary screen

@@ -1,9 +1,8 @@
 #include "QtTest.h"
 
+#include <Foundation/NSString.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/ProgressSliderView.h>
-
-#include <Foundation/NSString.h>
 
 #include <QDialog>
 #include <QLineEdit>
@@ -18,12 +17,16 @@ namespace {
 
 class Recorder : public SliderViewDelegate {
 public:
-    void sliderView_beginDragAt(BaseSliderView&, double value) override { log.push_back(stringWithFormat("begin %g", value)); }
+    void sliderView_beginDragAt(BaseSliderView&, double value) override {
+        log.push_back(stringWithFormat("begin %g", value));
+    }
     void sliderView_didChangeValue(BaseSliderView&, double value) override {
         log.push_back(stringWithFormat("change %g", value));
         if (onChange) onChange();
     }
-    void sliderView_endDragAt(BaseSliderView&, double value) override { log.push_back(stringWithFormat("end %g", value)); }
+    void sliderView_endDragAt(BaseSliderView&, double value) override {
+        log.push_back(stringWithFormat("end %g", value));
+    }
     std::function<void()> onChange;
     std::vector<std::string> log;
 };

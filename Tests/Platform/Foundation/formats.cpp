@@ -1,3 +1,5 @@
+#include "Support/TemporaryFolder.h"
+
 #include <Foundation/NSString.h>
 
 #include <gtest/gtest.h>
@@ -5,6 +7,7 @@
 #include <clocale>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <locale>
 
@@ -243,8 +246,17 @@ TEST(Formats, TheLanguageOfTheProgramChangesNoNumber) {
 
 TEST(Formats, TheLanguageOfTheSystemChangesNoNumber) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) GTEST_SKIP() << "the locale de_DE.UTF-8 is not installed";
-    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    const test::TemporaryFolder folder;
+    constexpr const char* kGerman = "de_DE.UTF-8";
+    if (!std::setlocale(LC_ALL, kGerman)) {
+        const auto own = (folder.path() / kGerman).string();
+        const int made = std::system(("localedef -i de_DE -f UTF-8 '" + own + "' >/dev/null 2>&1").c_str());
+        setenv("LOCPATH", folder.path().c_str(), 1);
+        const bool set = made == 0 && std::setlocale(LC_ALL, kGerman);
+        unsetenv("LOCPATH");
+        if (!set) GTEST_SKIP() << "the system has no German locale and cannot make one";
+    }
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",");
     expectPoints();
     std::setlocale(LC_ALL, before.c_str());
 }
