@@ -253,6 +253,47 @@ TEST_F(QtViews, KeysGoToTheFirstResponderThatAClickMade) {
     EXPECT_THAT(probe_->events[2], testing::StartsWith("key 51"));
 }
 
+TEST_F(QtViews, AFirstResponderMadeBeforeTheWindowIsShownGetsTheKeys) {
+    window_ = make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSMakeRect(0, 0, 200, 100),
+                             unsigned(NSWindowStyleMaskTitled), NSBackingStoreBuffered, false);
+    window_->setTitle("window under test");
+    window_->setContentView(root_);
+    window_->makeFirstResponder(probe_.get());
+    window_->makeKeyAndOrderFront(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(topLevel()));
+    settle();
+    QTest::keyClick(handle(), Qt::Key_A);
+    ASSERT_EQ(probe_->events.size(), 1u);
+    EXPECT_THAT(probe_->events[0], testing::HasSubstr(" a "));
+}
+
+namespace {
+// Passes every key on, and counts them.
+class Passer : public NSView {
+public:
+    bool acceptsFirstResponder() const override { return true; }
+    void keyDown(const NSEvent& event) override {
+        ++keys;
+        NSView::keyDown(event);
+    }
+    int keys = 0;
+};
+} // namespace
+
+TEST_F(QtViews, KeysThatNobodyTakesAreEachOfferedOnce) {
+    const auto passer = make<Passer>(NSMakeRect(0, 0, 10, 10));
+    root_->addSubview(passer);
+    showAll();
+    window_->makeFirstResponder(passer.get());
+    for (const quint64 timestamp : {quint64(0), quint64(77), quint64(77), quint64(77)}) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, "a");
+        event.setTimestamp(timestamp);
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
+        EXPECT_FALSE(event.isAccepted());
+    }
+    EXPECT_EQ(passer->keys, 4);
+}
+
 TEST_F(QtViews, AHiddenViewIsNeitherSeenNorHit) {
     probe_->painter = [](const NSRect&) {
         red().set();

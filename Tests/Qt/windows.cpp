@@ -60,6 +60,41 @@ TEST_F(QtWindows, LimitsHoldForTheUser) {
     EXPECT_EQ(window_->contentSize(), NSMakeSize(400, 300));
 }
 
+TEST_F(QtWindows, TheWindowKnowsTheSizeItReallyGot) {
+    window_->setContentMinSize({150, 80});
+    window_->setContentSize({50, 90.4});
+    settle();
+    EXPECT_EQ(window_->contentSize(), NSMakeSize(150, 90));
+    EXPECT_EQ(topLevel()->size(), QSize(150, 90));
+}
+
+TEST_F(QtWindows, TheWindowMayCloseInItsOwnResizing) {
+    struct Closer : NSWindowDelegate {
+        void windowDidResize(NSWindow& window) override { window.close(); }
+    };
+    const auto closer = std::make_shared<Closer>();
+    window_->setDelegate(closer);
+    window_->setContentMinSize({500, 400});
+    settle();
+    EXPECT_FALSE(window_->isVisible());
+    EXPECT_FALSE(topLevel());
+}
+
+TEST_F(QtWindows, TheWindowMayGoWhileItIsAskedWhetherItMayClose) {
+    struct Asker : NSWindowDelegate {
+        std::optional<bool> windowShouldClose(NSWindow& window) override {
+            window.close();
+            settle();
+            return true;
+        }
+    };
+    const auto asker = std::make_shared<Asker>();
+    window_->setDelegate(asker);
+    topLevel()->close();
+    settle();
+    EXPECT_FALSE(window_->isVisible());
+}
+
 TEST_F(QtWindows, ClosingAsksTheDelegate) {
     const auto keeper = std::make_shared<Keeper>();
     window_->setDelegate(keeper);

@@ -78,6 +78,32 @@ TEST_F(Events, MakingAFirstResponderFollowsThePlatformsSteps) {
     EXPECT_EQ(window_->firstResponder(), window_.get());
 }
 
+TEST_F(Events, AViewThatIsRefusedThePressGetsNothingOfIt) {
+    child_->acceptsFocus = true;
+    window_->makeFirstResponder(root_.get());
+    root_->resigns = false;
+    root_->taken();
+    user_->mouseDown({60, 30});
+    user_->mouseDragged({70, 30});
+    user_->mouseUp({70, 30});
+    EXPECT_THAT(child_->taken(), IsEmpty());
+}
+
+TEST_F(Events, ARemovedViewIsNoFirstResponderWhateverItSays) {
+    window_->makeFirstResponder(child_.get());
+    child_->resigns = false;
+    child_->removeFromSuperview();
+    EXPECT_EQ(window_->firstResponder(), window_.get());
+}
+
+TEST_F(Events, AButtonThatIsSwitchedOffIsNoFirstResponder) {
+    const auto button = NSButton::buttonWithTitle_target_action("Save", nullptr, "save:");
+    root_->addSubview(button);
+    window_->makeFirstResponder(button.get());
+    button->setEnabled(false);
+    EXPECT_EQ(window_->firstResponder(), window_.get());
+}
+
 TEST_F(Events, AFirstResponderThatLeavesOrIsHiddenResigns) {
     window_->makeFirstResponder(child_.get());
     child_->taken();

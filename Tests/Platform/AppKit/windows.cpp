@@ -123,6 +123,35 @@ TEST_F(Windows, ResizingByTheUserHoldsTheLimits) {
     EXPECT_THAT(recorder_->taken(), ElementsAre("resized 222"));
 }
 
+TEST_F(Windows, TheProgramsSizesHoldTheLimitsToo) {
+    const auto window = makeWindow(nullptr);
+    window->setContentMinSize({150, 80});
+    window->setContentSize({50, 200});
+    EXPECT_EQ(window->contentSize(), NSMakeSize(150, 200));
+}
+
+TEST_F(Windows, ADelegateMayCloseTheWindowThatIsClosing) {
+    struct Closer : NSWindowDelegate {
+        void windowWillClose(NSWindow& window) override {
+            ++closed;
+            window.close();
+        }
+        int closed = 0;
+    };
+    const auto closer = std::make_shared<Closer>();
+    show(nullptr);
+    window_->setDelegate(closer);
+    window_->close();
+    EXPECT_EQ(closer->closed, 1);
+    EXPECT_FALSE(window_->isVisible());
+}
+
+TEST_F(Windows, TerminatedBeforeItRunsTheApplicationDoesNotRun) {
+    auto& application = NSApplication::sharedApplication();
+    application.terminate(nullptr);
+    application.run();
+}
+
 TEST_F(Windows, OneWindowIsKey) {
     show(nullptr);
     window_->setDelegate(recorder_);
