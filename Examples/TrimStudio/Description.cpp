@@ -31,15 +31,30 @@ Json slider(const ClipSlider& view) {
             {"length", view.selectionItem()->dLength() / kMillisecondsPerSecond}};
 }
 
+Json slider(const PositionSlider& view) {
+    return {{"rect", pixels(view, view.bounds())},
+            {"track", pixels(view, view.rcSlider())},
+            {"knob", pixels(view, view.rcKnob())},
+            {"value", view.dCurValue() / kMillisecondsPerSecond}};
+}
+
+Json button(const NSButton& view) {
+    return {{"rect", pixels(view, view.bounds())}, {"enabled", view.isEnabled()}};
+}
+
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(nullptr); }
 
 } // namespace
 
 std::string describe(const Description& facts, const EditorView& editor) {
     Json views = {{"window", {{"rect", pixels(editor, editor.bounds())}}}};
-    if (!editor.slider()->isHiddenOrHasHiddenAncestor()) views["splitSlider"] = slider(*editor.slider());
-    const NSButton& button = *editor.saveButton();
-    views["saveButton"] = {{"rect", pixels(button, button.bounds())}, {"enabled", button.isEnabled()}};
+    if (!editor.slider()->isHiddenOrHasHiddenAncestor()) {
+        views["splitSlider"] = slider(*editor.slider());
+        views["progressSlider"] = slider(*editor.positionSlider());
+    }
+    views["keepBeforeButton"] = button(*editor.keepBeforeButton());
+    views["keepAfterButton"] = button(*editor.keepAfterButton());
+    views["saveButton"] = button(*editor.saveButton());
     const Json whole = {{"file", facts.file},
                         {"duration", facts.duration},
                         {"saved", orNull(facts.saved)},

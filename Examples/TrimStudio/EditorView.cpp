@@ -10,6 +10,7 @@ namespace trimstudio {
 using namespace zr;
 
 ZR_CLASS_TABLE(ClipSlider)
+ZR_CLASS_TABLE(PositionSlider)
 ZR_CLASS_TABLE(EditorView)
 
 namespace {
@@ -20,12 +21,34 @@ constexpr double kLine = 20;
 // Room for a handle on each side of the track, and above it. Odd, so that track and knob share their middle.
 constexpr double kTrackInset = 28;
 constexpr double kSliderHeight = 61;
+constexpr double kPositionHeight = 23;
 
 } // namespace
 
 void ClipSlider::drawRect(const NSRect& dirty) {
     SplitSliderView::drawRect(dirty);
     if (didDraw_) didDraw_();
+}
+
+void PositionSlider::drawRect(const NSRect& dirty) {
+    ProgressSliderView::drawRect(dirty);
+    if (didDraw_) didDraw_();
+}
+
+void EditorView::keyDown(const NSEvent& event) {
+    if (event.keyCode() == kKeyCodeSpace && togglePlaying_)
+        togglePlaying_();
+    else
+        NSView::keyDown(event);
+}
+
+std::shared_ptr<NSButton> EditorView::addButton(const std::string& identifier, const std::string& title,
+                                                const SEL& action) {
+    auto button = NSButton::buttonWithTitle_target_action(title, nullptr, action);
+    button->setIdentifier(identifier);
+    button->setEnabled(false);
+    addSubview(button);
+    return button;
 }
 
 std::shared_ptr<NSTextField> EditorView::addLabel(const std::string& identifier, const NSFont& font,
@@ -43,6 +66,11 @@ bool EditorView::initWithFrame(const NSRect& frame) {
     nameLabel_ = addLabel("nameLabel", NSFont::boldSystemFontOfSize(0), NSTextAlignmentLeft);
     lengthLabel_ = addLabel("lengthLabel", NSFont::systemFontOfSize(0), NSTextAlignmentRight);
     lengthLabel_->setTextColor(NSColor::secondaryLabelColor());
+
+    positionSlider_ = make<PositionSlider>(NSZeroRect);
+    positionSlider_->setIdentifier("progressSlider");
+    positionSlider_->setSliderXOffset(kTrackInset);
+    addSubview(positionSlider_);
 
     waveform_ = make<WaveformView>(NSZeroRect);
     waveform_->setIdentifier("waveform");
@@ -62,12 +90,10 @@ bool EditorView::initWithFrame(const NSRect& frame) {
     messageLabel_->setIdentifier("messageLabel");
     addSubview(messageLabel_);
 
-    saveButton_ = make<NSButton>();
-    saveButton_->setIdentifier("saveButton");
-    saveButton_->setTitle("Save Trimmed");
-    saveButton_->setAction("saveTrimmed:");
-    saveButton_->setEnabled(false);
-    addSubview(saveButton_);
+    positionLabel_ = addLabel("positionLabel", times, NSTextAlignmentCenter);
+    keepBeforeButton_ = addButton("keepBeforeButton", "Keep Before", "keepBefore:");
+    keepAfterButton_ = addButton("keepAfterButton", "Keep After", "keepAfter:");
+    saveButton_ = addButton("saveButton", "Save Trimmed", "saveTrimmed:");
     setEditing(false);
     return true;
 }
@@ -76,22 +102,29 @@ bool EditorView::initWithFrame(const NSRect& frame) {
 void EditorView::layout() {
     const double width = std::max(0.0, bounds().size.width - 2 * kMargin);
     double top = bounds().size.height - kMargin;
-    const double half = std::floor(width / 2);
-    nameLabel_->setFrame({{kMargin, top - kLine}, {width - half, kLine}});
-    lengthLabel_->setFrame({{kMargin + width - half, top - kLine}, {half, kLine}});
+    const double third = std::floor(width / 3);
+    // The name gets what the length leaves.
+    const double length = std::min(std::floor(width / 2), 260.0);
+    nameLabel_->setFrame({{kMargin, top - kLine}, {std::max(0.0, width - length - kSpacing), kLine}});
+    lengthLabel_->setFrame({{kMargin + width - length, top - kLine}, {length, kLine}});
     top -= kLine + kSpacing;
 
-    saveButton_->sizeToFit();
-    const NSSize button = saveButton_->frame().size;
-    double bottom = kMargin;
-    saveButton_->setFrameOrigin({kMargin + width - button.width, bottom});
+    double right = kMargin + width;
+    double buttonHeight = 0;
+    for (const auto& button : {saveButton_, keepAfterButton_, keepBeforeButton_}) {
+        button->sizeToFit();
+        const NSSize size = button->frame().size;
+        right -= size.width;
+        button->setFrameOrigin({right, kMargin});
+        right -= kSpacing;
+        buttonHeight = std::max(buttonHeight, size.height);
+    }
     // Two lines, for messages that name a long path.
     const double twoLines = 2 * kLine;
-    messageLabel_->setFrame({{kMargin, bottom + std::floor((button.height - twoLines) / 2)},
-                             {std::max(0.0, width - button.width - 2 * kSpacing), twoLines}});
-    bottom += button.height + 2 * kSpacing;
+    messageLabel_->setFrame({{kMargin, kMargin + std::floor((buttonHeight - twoLines) / 2)},
+                             {std::max(0.0, right - kSpacing - kMargin), twoLines}});
+    double bottom = kMargin + buttonHeight + 2 * kSpacing;
 
-    const double third = std::floor(width / 3);
     startLabel_->setFrame({{kMargin, bottom}, {third, kLine}});
     clipLabel_->setFrame({{kMargin + third, bottom}, {width - 2 * third, kLine}});
     endLabel_->setFrame({{kMargin + width - third, bottom}, {third, kLine}});
@@ -99,14 +132,17 @@ void EditorView::layout() {
 
     slider_->setFrame({{kMargin, bottom}, {width, kSliderHeight}});
     bottom += kSliderHeight + kSpacing;
+    positionLabel_->setFrame({{kMargin, top - kLine}, {width, kLine}});
+    top -= kLine;
+    positionSlider_->setFrame({{kMargin, top - kPositionHeight}, {width, kPositionHeight}});
+    top -= kPositionHeight;
     waveform_->setFrame({{kMargin, bottom}, {width, std::max(0.0, top - bottom)}});
 }
 
 void EditorView::setEditing(bool editing) {
-    for (NSView* view : {static_cast<NSView*>(waveform_.get()), static_cast<NSView*>(slider_.get()),
-                         static_cast<NSView*>(startLabel_.get()), static_cast<NSView*>(clipLabel_.get()),
-                         static_cast<NSView*>(endLabel_.get())})
-        view->setHidden(!editing);
+    const std::vector<std::shared_ptr<NSView>> views = {
+        waveform_, slider_, positionSlider_, positionLabel_, startLabel_, clipLabel_, endLabel_};
+    for (const auto& view : views) view->setHidden(!editing);
 }
 
 void EditorView::setMessage(const std::string& text, bool isError) {

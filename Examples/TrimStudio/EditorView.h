@@ -4,6 +4,7 @@
 
 #include <AppKit/NSButton.h>
 #include <AppKit/NSTextField.h>
+#include <ZRUIKit/ProgressSliderView.h>
 #include <ZRUIKit/SplitSliderView.h>
 
 #include <functional>
@@ -12,10 +13,20 @@
 
 namespace trimstudio {
 
-// The slider, which tells when it has been drawn: only then are its handles where its rectangles say.
+// A slider of the kit that tells when it has been drawn: only then are its parts where its rectangles say.
 class ClipSlider : public zr::SplitSliderView {
 public:
     ZR_CLASS(ClipSlider, zr::SplitSliderView)
+    void setDidDraw(std::function<void()> didDraw) { didDraw_ = std::move(didDraw); }
+    void drawRect(const zr::NSRect& dirty) override;
+
+private:
+    std::function<void()> didDraw_;
+};
+
+class PositionSlider : public zr::ProgressSliderView {
+public:
+    ZR_CLASS(PositionSlider, zr::ProgressSliderView)
     void setDidDraw(std::function<void()> didDraw) { didDraw_ = std::move(didDraw); }
     void drawRect(const zr::NSRect& dirty) override;
 
@@ -30,6 +41,11 @@ public:
 
     bool initWithFrame(const zr::NSRect& frame) override;
     void layout() override;
+    bool acceptsFirstResponder() const override { return true; }
+    void keyDown(const zr::NSEvent& event) override; // Space plays
+
+    // What Space does.
+    void setTogglePlaying(std::function<void()> toggle) { togglePlaying_ = std::move(toggle); }
 
     // Without a file there is nothing to edit: only the message remains.
     void setEditing(bool editing);
@@ -39,6 +55,10 @@ public:
     const std::shared_ptr<zr::NSTextField>& lengthLabel() const { return lengthLabel_; }
     const std::shared_ptr<WaveformView>& waveform() const { return waveform_; }
     const std::shared_ptr<ClipSlider>& slider() const { return slider_; }
+    const std::shared_ptr<PositionSlider>& positionSlider() const { return positionSlider_; }
+    const std::shared_ptr<zr::NSTextField>& positionLabel() const { return positionLabel_; }
+    const std::shared_ptr<zr::NSButton>& keepBeforeButton() const { return keepBeforeButton_; }
+    const std::shared_ptr<zr::NSButton>& keepAfterButton() const { return keepAfterButton_; }
     const std::shared_ptr<zr::NSTextField>& startLabel() const { return startLabel_; }
     const std::shared_ptr<zr::NSTextField>& clipLabel() const { return clipLabel_; }
     const std::shared_ptr<zr::NSTextField>& endLabel() const { return endLabel_; }
@@ -49,8 +69,15 @@ private:
     std::shared_ptr<zr::NSTextField> addLabel(const std::string& identifier, const zr::NSFont& font,
                                               zr::NSTextAlignment alignment);
 
-    std::shared_ptr<zr::NSTextField> nameLabel_, lengthLabel_, startLabel_, clipLabel_, endLabel_,
-        messageLabel_;
+    std::shared_ptr<zr::NSButton> addButton(const std::string& identifier, const std::string& title,
+                                            const zr::SEL& action);
+
+    std::function<void()> togglePlaying_;
+    std::shared_ptr<zr::NSTextField> nameLabel_, lengthLabel_, positionLabel_, startLabel_, clipLabel_,
+        endLabel_;
+    std::shared_ptr<zr::NSTextField> messageLabel_;
+    std::shared_ptr<PositionSlider> positionSlider_;
+    std::shared_ptr<zr::NSButton> keepBeforeButton_, keepAfterButton_;
     std::shared_ptr<WaveformView> waveform_;
     std::shared_ptr<ClipSlider> slider_;
     std::shared_ptr<zr::NSButton> saveButton_;

@@ -13,14 +13,17 @@ namespace trimstudio {
 
 using namespace zr;
 
-ZR_CLASS_TABLE(TrimWindow, .actions = {actionNamed<&TrimWindow::saveTrimmed>("saveTrimmed:")})
+ZR_CLASS_TABLE(TrimWindow, .actions = {actionNamed<&TrimWindow::saveTrimmed>("saveTrimmed:"),
+                                       actionNamed<&TrimWindow::keepBefore>("keepBefore:"),
+                                       actionNamed<&TrimWindow::keepAfter>("keepAfter:")})
 
 namespace {
 
-constexpr NSSize kContentSize = {760, 340};
-constexpr NSSize kSmallestContent = {480, 260};
+constexpr NSSize kContentSize = {760, 400};
+constexpr NSSize kSmallestContent = {560, 310};
 constexpr std::size_t kPeaks = 4000;
 constexpr double kMillisecondsPerSecond = 1000;
+constexpr double kFrame = 1.0 / 30; // seconds between the steps of playing
 
 } // namespace
 
@@ -31,10 +34,17 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
     editor_->nameLabel()->setStringValue(path.filename().string());
     editor_->slider()->setDelegate(retained(this));
     const std::weak_ptr<TrimWindow> weak = retained(this);
-    editor_->slider()->setDidDraw([weak] {
+    const auto describe = [weak] {
         if (const auto self = weak.lock()) self->describeSoon();
+    };
+    editor_->slider()->setDidDraw(describe);
+    editor_->positionSlider()->setDidDraw(describe);
+    editor_->positionSlider()->setDelegate(retained(this));
+    editor_->setTogglePlaying([weak] {
+        if (const auto self = weak.lock()) self->togglePlaying();
     });
-    editor_->saveButton()->setTarget(retained(this));
+    for (const auto& button : {editor_->saveButton(), editor_->keepBeforeButton(), editor_->keepAfterButton()})
+        button->setTarget(retained(this));
 
     constexpr unsigned style = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
                                NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable;
@@ -55,6 +65,7 @@ void TrimWindow::dealloc() {
 }
 
 void TrimWindow::show() {
+    window_->makeFirstResponder(editor_.get());
     window_->makeKeyAndOrderFront(nullptr);
     open();
 }
@@ -77,6 +88,8 @@ void TrimWindow::opened(Outcome<MediaFile> outcome) {
         stringWithFormat("%@ · %@", file_->format, timeText(file_->duration)));
     editor_->slider()->setDLength(file_->duration * kMillisecondsPerSecond);
     editor_->slider()->setSelection_length(0, file_->duration * kMillisecondsPerSecond);
+    editor_->positionSlider()->setDLength(file_->duration * kMillisecondsPerSecond);
+    moveTo(0);
     editor_->waveform()->setDuration(file_->duration);
     editor_->setEditing(true);
     setStatus("");
@@ -115,6 +128,100 @@ void TrimWindow::clipChanged() {
     editor_->clipLabel()->setStringValue(stringWithFormat("Length %@", timeText(length)));
     editor_->endLabel()->setStringValue(stringWithFormat("End %@", timeText(start + length)));
     editor_->waveform()->setClip(start, length);
+    updateButtons();
+}
+
+// Positions are in milliseconds, like the sliders'.
+void TrimWindow::moveTo(double position) {
+    editor_->positionSlider()->setDCurValue(position);
+    positionChanged();
+}
+
+void TrimWindow::positionChanged() {
+    editor_->positionLabel()->setStringValue(
+        timeText(editor_->positionSlider()->dCurValue() / kMillisecondsPerSecond));
+    updateButtons();
+}
+
+// Both sliders tell this object. A press on the clip's track moves the position, too.
+void TrimWindow::sliderView_beginDragAt(BaseSliderView& slider, double value) {
+    scrubbing_ = true;
+    sliderView_didChangeValue(slider, value);
+}
+
+void TrimWindow::sliderView_didChangeValue(BaseSliderView& slider, double value) {
+    if (&slider == editor_->positionSlider().get())
+        positionChanged();
+    else
+        moveTo(value);
+}
+
+void TrimWindow::sliderView_endDragAt(BaseSliderView&, double value) {
+    scrubbing_ = false;
+    playedUntil_ = dispatch_time(DISPATCH_TIME_NOW, 0);
+    moveTo(value); // the bar, too
+    describeSoon();
+}
+
+void TrimWindow::togglePlaying() {
+    playing_ = !playing_ && file_.has_value();
+    if (!playing_) return;
+    playedUntil_ = dispatch_time(DISPATCH_TIME_NOW, 0);
+    play();
+}
+
+// One step: as far as time has gone on, within the clip.
+void TrimWindow::play() {
+    if (!playing_ || jobs_->cancelled) return;
+    const std::uint64_t now = dispatch_time(DISPATCH_TIME_NOW, 0);
+    const double passed =
+        static_cast<double>(now - playedUntil_) / static_cast<double>(NSEC_PER_SEC) * kMillisecondsPerSecond;
+    playedUntil_ = now;
+    if (!scrubbing_) {
+        const auto& clip = *editor_->slider()->selectionItem();
+        const double end = clip.dStart() + clip.dLength();
+        double position = editor_->positionSlider()->dCurValue();
+        if (position < clip.dStart() || position >= end)
+            position = clip.dStart();
+        else
+            position += passed;
+        playing_ = position < end;
+        moveTo(std::min(position, end));
+    }
+    if (!playing_) return;
+    const std::weak_ptr<TrimWindow> weak = retained(this);
+    AfterDelay(kFrame, [weak] {
+        if (const auto self = weak.lock()) self->play();
+    });
+}
+
+void TrimWindow::keepBefore(NSObject*) {
+    auto& slider = *editor_->slider();
+    const double wholeLength = slider.dLength();
+    slider.setDCurValue(editor_->positionSlider()->dCurValue());
+    // The kit's operation makes the range as long as what is kept; the file is still all there.
+    slider.splitAtCurPoint();
+    slider.setDLength(wholeLength);
+    keep(slider.selectionItem()->dStart(), slider.selectionItem()->dLength());
+}
+
+void TrimWindow::keepAfter(NSObject*) {
+    const auto& clip = *editor_->slider()->selectionItem();
+    const double position = editor_->positionSlider()->dCurValue();
+    keep(position, clip.dStart() + clip.dLength() - position);
+}
+
+void TrimWindow::keep(double start, double length) {
+    const bool startMoved = start != editor_->slider()->selectionItem()->dStart();
+    editor_->slider()->setSelection_length(start, length);
+    notice_.clear();
+    if (startMoved && file_->startsAtKeyFrames) {
+        ++jobs_->startRequest;
+        findingStart_ = true;
+        findRealStart();
+    }
+    clipChanged();
+    showMessage();
 }
 
 void TrimWindow::splitSliderViewBeginDragClip_bLeftClip(SplitSliderView&, bool leftClip) {
@@ -214,13 +321,22 @@ void TrimWindow::fail(const std::string& text) {
 void TrimWindow::showMessage() {
     const char* const between = status_.empty() || notice_.empty() ? "" : " ";
     editor_->setMessage(stringWithFormat("%@%s%@", status_, between, notice_), failed_);
-    updateButton();
+    updateButtons();
     describeSoon();
 }
 
-void TrimWindow::updateButton() {
-    const bool enabled = file_ && !saving_ && !findingStart_;
-    if (enabled != editor_->saveButton()->isEnabled()) editor_->saveButton()->setEnabled(enabled);
+void TrimWindow::updateButtons() {
+    const auto enable = [](NSButton& button, bool enabled) {
+        if (enabled != button.isEnabled()) button.setEnabled(enabled);
+    };
+    const bool ready = file_ && !saving_ && !findingStart_;
+    enable(*editor_->saveButton(), ready);
+    // canBeSplited() asks about the current value, which follows the position.
+    auto& slider = *editor_->slider();
+    const double position = editor_->positionSlider()->dCurValue();
+    if (slider.dCurValue() != position) slider.setDCurValue(position);
+    enable(*editor_->keepBeforeButton(), ready && slider.canBeSplited());
+    enable(*editor_->keepAfterButton(), ready && slider.canBeSplited());
 }
 
 std::optional<bool> TrimWindow::windowShouldClose(NSWindow&) {
@@ -238,7 +354,8 @@ void TrimWindow::describeSoon() {
     OnMainQueue([self = retained(this)] {
         self->descriptionPosted_ = false;
         const auto& slider = *self->editor_->slider();
-        if (!self->window_->isVisible() || (slider.needsDisplay() && !slider.isHidden())) return;
+        const bool drawn = !slider.needsDisplay() && !self->editor_->positionSlider()->needsDisplay();
+        if (!self->window_->isVisible() || (!drawn && !slider.isHidden())) return;
         Description facts = {self->path_.string(), self->file_ ? self->file_->duration : 0, self->saved_,
                              std::nullopt};
         if (const auto& message = self->editor_->messageLabel()->stringValue(); !message.empty())

@@ -29,10 +29,16 @@ public:
     void dealloc() override;
 
     void show();
-    void saveTrimmed(zr::NSObject* sender); // the button's action
+    // The buttons' actions.
+    void saveTrimmed(zr::NSObject* sender);
+    void keepBefore(zr::NSObject* sender); // the part of the clip before the position
+    void keepAfter(zr::NSObject* sender);
     // Whether the last thing that was tried with this file did not work.
     bool failed() const { return failed_; }
 
+    void sliderView_beginDragAt(zr::BaseSliderView& slider, double value) override;
+    void sliderView_didChangeValue(zr::BaseSliderView& slider, double value) override;
+    void sliderView_endDragAt(zr::BaseSliderView& slider, double value) override;
     void splitSliderViewBeginDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
     void splitSliderViewDragClipTo_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
     void splitSliderViewEndDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
@@ -55,13 +61,18 @@ private:
     void opened(Outcome<MediaFile> outcome);
     void readWaveform();
     void clipChanged();
+    void moveTo(double position);
+    void positionChanged();
+    void togglePlaying();
+    void play();
+    void keep(double start, double length);
     void findRealStart();
     void realStartFound(int request, double asked, double found);
     void saveEnded(const Outcome<Trimmed>& outcome);
     void setStatus(const std::string& text);
     void fail(const std::string& text);
     void showMessage();
-    void updateButton();
+    void updateButtons();
     void describeSoon();
 
     std::filesystem::path path_;
@@ -71,8 +82,11 @@ private:
     std::shared_ptr<EditorView> editor_;
     std::shared_ptr<Jobs> jobs_ = std::make_shared<Jobs>();
     std::string lastDescription_;
-    std::string status_; // of opening and saving
-    std::string notice_; // about the clip that is chosen
+    std::string status_;            // of opening and saving
+    std::string notice_;            // about the clip that is chosen
+    std::uint64_t playedUntil_ = 0; // nanoseconds of the queues' clock
+    bool playing_ = false;
+    bool scrubbing_ = false;
     bool findingStart_ = false;
     bool saving_ = false;
     bool closesWhenSaved_ = false;

@@ -146,6 +146,89 @@ class Handles(TrimmingTest):
         self.assert_nothing_left_over("take.flac", "take-trimmed.flac", "take-trimmed 2.flac", "take-trimmed 3.flac")
 
 
+class Playing(TrimmingTest):
+    def open(self):
+        source = self.make("take.wav", SOUND)
+        studio = self.start(source)
+        self.duration = studio.wait_until_ready()["duration"]
+        slider = studio.last["views"]["progressSlider"]
+        self.x, y, self.width, height = slider["track"]
+        self.y = y + height / 2
+        self.second = self.width / self.duration  # in pixels
+        return studio
+
+    def at(self, seconds):
+        return self.x + seconds * self.second
+
+    def wait_for_position(self, studio, seconds):
+        return studio.wait(f"the position {seconds}", lambda d: abs(
+            d["views"]["progressSlider"]["value"] - seconds) <= 1.01 / self.second)
+
+    def press(self, seconds):
+        self.desktop.move(self.at(seconds), self.y)
+        self.desktop.press()
+
+    def test_a_press_seeks_and_a_drag_scrubs_also_beyond_the_window(self):
+        studio = self.open()
+        self.press(5)
+        self.wait_for_position(studio, 5)
+        self.desktop.move(self.at(2), self.y + 300)
+        moved = self.wait_for_position(studio, 2)
+        knob = moved["views"]["progressSlider"]["knob"]
+        self.assertAlmostEqual(knob[0], self.x + (self.width - 12) * moved["views"]["progressSlider"]["value"] / self.duration, delta=0.01)
+        self.desktop.move(1279, 5)
+        self.wait_for_position(studio, self.duration)
+        self.desktop.move(0, 799)
+        self.wait_for_position(studio, 0)
+        self.desktop.move(self.at(3), self.y)
+        self.desktop.release()
+        self.wait_for_position(studio, 3)
+        self.assertEqual(studio.close(), 0)
+
+    def test_space_plays_inside_the_clip_and_stops(self):
+        studio = self.open()
+        track = studio.slider()["track"]
+        studio.drag("leftHandle", track[0] + track[2] * 0.5 - 12)
+        start = studio.wait("the clip", lambda d: d["views"]["splitSlider"]["start"] > 3.9)["views"]["splitSlider"]["start"]
+        self.desktop.pointer("key", "space")
+        played = studio.wait("playing", lambda d: d["views"]["progressSlider"]["value"] > start + 0.2)
+        self.assertLess(played["views"]["progressSlider"]["value"], self.duration)
+        self.desktop.pointer("key", "space")
+        self.press(1)  # stays there, as nothing plays
+        self.desktop.release()
+        self.wait_for_position(studio, 1)
+        self.assertEqual(studio.close(), 0)
+
+    def test_the_part_before_and_the_part_after_the_position_are_kept(self):
+        studio = self.open()
+        self.assertFalse(studio.last["views"]["keepBeforeButton"]["enabled"])
+        self.press(6)
+        self.desktop.release()
+        self.wait_for_position(studio, 6)
+        studio.wait("the button", lambda d: d["views"]["keepBeforeButton"]["enabled"])
+        studio.click("keepBeforeButton")
+        pixel = 1.01 / self.second
+        studio.wait("the part before", lambda d: d["views"]["splitSlider"]["start"] == 0 and
+                    abs(d["views"]["splitSlider"]["length"] - 6) <= pixel)
+        self.press(2)
+        self.desktop.release()
+        self.wait_for_position(studio, 2)
+        studio.wait("the button", lambda d: d["views"]["keepAfterButton"]["enabled"])
+        studio.click("keepAfterButton")
+        clip = studio.wait("the part after", lambda d: abs(d["views"]["splitSlider"]["start"] - 2) <= pixel and
+                           abs(d["views"]["splitSlider"]["length"] - 4) <= 2 * pixel)["views"]["splitSlider"]
+        self.assertAlmostEqual(media_length(self.save(studio)["saved"]), clip["length"], delta=0.001)
+        self.assertEqual(studio.close(), 0)
+
+    def test_closing_in_the_middle_of_a_drag_ends_the_program_cleanly(self):
+        studio = self.open()
+        self.press(5)
+        self.desktop.move(self.at(2), self.y)
+        self.wait_for_position(studio, 2)
+        self.assertEqual(studio.close(), 0)
+        self.assertEqual("".join(studio.errors), "")
+
+
 class Formats(TrimmingTest):
     def trim(self, extension):
         words, packet = FORMATS[extension]

@@ -302,8 +302,9 @@ TEST(StringsTables, DamagedTablesGiveATableOrAnError) {
         if (table.error.empty()) {
             ++tables;
             ASSERT_EQ(table.errorLine, 0);
-            for (const auto& [key, text] : table.entries)
-                ASSERT_NE(parseStringsTable("x" + key + text).error, "not UTF-8") << round;
+            std::string texts = "x";
+            for (const auto& [key, text] : table.entries) texts.append(key).append(text);
+            ASSERT_NE(parseStringsTable(texts).error, "not UTF-8") << round;
         } else {
             ++errors;
             ASSERT_GE(table.errorLine, 1);
