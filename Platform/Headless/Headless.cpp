@@ -5,6 +5,7 @@
 #include <WindowSystem/WindowSystem.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <deque>
 #include <functional>
@@ -530,9 +531,9 @@ Platform::Platform(Options options) : system_(std::make_unique<System>(std::move
 }
 
 Platform::~Platform() {
+    system_->queues->dropAll(); // no block runs any more
     port::uninstall();
     backend::uninstall();
-    system_->queues->dropAll();
 }
 
 std::vector<Window*> Platform::windows() const { return {system_->windows.begin(), system_->windows.end()}; }
@@ -540,7 +541,7 @@ std::vector<Window*> Platform::windows() const { return {system_->windows.begin(
 double Platform::now() const { return static_cast<double>(system_->queues->now()) / kNanoseconds; }
 
 void Platform::advance(double seconds) {
-    const auto nanoseconds = static_cast<std::uint64_t>(seconds * kNanoseconds);
+    const auto nanoseconds = static_cast<std::uint64_t>(std::llround(seconds * kNanoseconds));
     system_->queues->runMain(system_->queues->now() + nanoseconds);
     display();
 }

@@ -29,7 +29,7 @@ public:
 
     // With the folders that lead to it.
     std::filesystem::path write(const std::filesystem::path& name, std::string_view bytes) const {
-        const auto file = path_ / name;
+        auto file = path_ / name;
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << bytes;
         return file;
