@@ -5,6 +5,7 @@
 #include <Foundation/Dispatch.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -122,6 +123,7 @@ std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask ma
     if (terminating_ || !window.isVisible()) return std::nullopt;
     if (!tracking_) {
         tracking_ = std::make_unique<Tracking>();
+        tracking_->events.swap(leftOver_);
         tracking_->loop = installation()->windowSystem.beginTracking();
     }
     const auto cancellations = window.cancellations_;
@@ -149,8 +151,14 @@ void NSApplication::endTracking() {
     const auto held = retained(this);
     const auto ended = std::exchange(tracking_, nullptr);
     ended->loop.reset();
-    for (const auto& [weakWindow, event] : ended->events)
-        if (const auto window = weakWindow.lock(); window && window->isVisible()) deliver(*window, event);
+    std::ranges::move(ended->events, std::back_inserter(leftOver_));
+    if (std::exchange(deliversLeftOver_, true)) return; // whoever does goes on
+    while (!leftOver_.empty()) {
+        const Waiting next = std::move(leftOver_.front());
+        leftOver_.pop_front();
+        if (const auto window = next.window.lock(); window && window->isVisible()) deliver(*window, next.event);
+    }
+    deliversLeftOver_ = false;
 }
 
 } // namespace zr

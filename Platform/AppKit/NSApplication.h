@@ -82,6 +82,9 @@ private:
     std::weak_ptr<NSApplicationDelegate> delegate_;
     std::vector<std::shared_ptr<NSWindow>> windows_;
     std::unique_ptr<Tracking> tracking_;
+    std::deque<Waiting>
+        leftOver_; // events of a pull that has ended; a pull that begins meanwhile takes them first
+    bool deliversLeftOver_ = false;
     int eventsInHand_ = 0;
     bool terminating_ = false;
 };

@@ -1,22 +1,11 @@
+#include "Support/FrameArchive.h"
 #include "Support/SliderTest.h"
-
-#include <Foundation/NSCoder.h>
 
 #include <type_traits>
 
 namespace zr {
 
 namespace {
-
-class Archive : public NSCoder {
-public:
-    std::optional<NSRect> decodeRectForKey(std::string_view key) const override {
-        if (key == "NSFrame") return NSMakeRect(3, 4, 220, 30);
-        return std::nullopt;
-    }
-    std::optional<double> decodeDoubleForKey(std::string_view) const override { return std::nullopt; }
-    std::optional<bool> decodeBoolForKey(std::string_view) const override { return std::nullopt; }
-};
 
 void expectDefaults(const BaseSliderView& slider) {
     EXPECT_EQ(slider.curRecSliderState(), 0);
@@ -48,7 +37,7 @@ TEST(BaseSliderViewDefaults, MadeWithAFrame) {
 }
 
 TEST(BaseSliderViewDefaults, MadeFromAnArchive) {
-    Archive archive;
+    test::FrameArchive archive(NSMakeRect(3, 4, 220, 30));
     const auto slider = make<BaseSliderView>(archive);
     ASSERT_TRUE(slider);
     expectDefaults(*slider);

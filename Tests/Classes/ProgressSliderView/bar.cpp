@@ -1,6 +1,6 @@
+#include "Support/FrameArchive.h"
 #include "Support/SliderTest.h"
 
-#include <Foundation/NSCoder.h>
 #include <ZRUIKit/ProgressSliderView.h>
 
 namespace zr {
@@ -8,17 +8,6 @@ namespace zr {
 using test::kTrackLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace {
-
-class Archive : public NSCoder {
-public:
-    std::optional<NSRect> decodeRectForKey(std::string_view) const override { return test::kSliderFrame; }
-    std::optional<double> decodeDoubleForKey(std::string_view) const override { return std::nullopt; }
-    std::optional<bool> decodeBoolForKey(std::string_view) const override { return std::nullopt; }
-};
-
-} // namespace
 
 class ProgressSliderViewBar : public test::SliderTest<ProgressSliderView> {
 protected:
@@ -41,7 +30,7 @@ TEST_F(ProgressSliderViewBar, ANewSliderHasABarWithoutLength) {
 }
 
 TEST_F(ProgressSliderViewBar, FromAnArchiveItKeepsTheBasesSelectionUntilItIsMoved) {
-    Archive archive;
+    test::FrameArchive archive(test::kSliderFrame);
     const auto slider = make<ProgressSliderView>(archive);
     EXPECT_EQ(slider->itemSelection()->dStart(), 0.0);
     EXPECT_EQ(slider->itemSelection()->dLength(), -1.0);

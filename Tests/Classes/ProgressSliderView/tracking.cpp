@@ -158,6 +158,20 @@ TEST_F(ProgressSliderViewTracking, StepsThatComeTogetherBecomeOne) {
     EXPECT_THAT(messages(), ElementsAre("begin 700", "change 500", "end 500"));
 }
 
+TEST_F(ProgressSliderViewTracking, ASecondDragThatCameDuringTheFirstIsFollowedToItsEnd) {
+    then([&] {
+        user_->mouseUp({110, 15});
+        user_->mouseDown({60, 15});
+        user_->mouseDragged({70, 15});
+        user_->mouseUp({80, 15});
+        user_->mouseDown({160, 15});
+        user_->mouseUp({160, 15});
+    });
+    user_->mouseDown({150, 15});
+    EXPECT_THAT(messages(), ElementsAre("begin 700", "end 500", "begin 250", "change 300", "end 350",
+                                        "begin 750", "end 750"));
+}
+
 TEST_F(ProgressSliderViewTracking, QueuesAndTimeGoOnMeanwhile) {
     std::vector<std::string> log;
     OnMainQueue([&] { log.push_back("posted"); });

@@ -1,17 +1,9 @@
 #include "SplitSliderTest.h"
-
-#include <Foundation/NSCoder.h>
+#include "Support/FrameArchive.h"
 
 namespace zr {
 
 namespace {
-
-class Archive : public NSCoder {
-public:
-    std::optional<NSRect> decodeRectForKey(std::string_view) const override { return test::kSliderFrame; }
-    std::optional<double> decodeDoubleForKey(std::string_view) const override { return std::nullopt; }
-    std::optional<bool> decodeBoolForKey(std::string_view) const override { return std::nullopt; }
-};
 
 void expectDefaults(const SplitSliderView& slider) {
     EXPECT_FALSE(slider.bDraggingLeftClip());
@@ -38,7 +30,7 @@ TEST(SplitSliderViewDefaults, MadeWithAFrame) {
 
 TEST(SplitSliderViewDefaults, MadeFromAnArchive) {
     const headless::Platform platform;
-    Archive archive;
+    test::FrameArchive archive(test::kSliderFrame);
     const auto slider = make<SplitSliderView>(archive);
     ASSERT_TRUE(slider);
     expectDefaults(*slider);
