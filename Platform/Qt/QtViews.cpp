@@ -55,11 +55,10 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
 // After the window got the event, this widget may be cut off from its view, or its window closed.
 void ViewWidget::offer(QInputEvent& event, InputEvent input, QPointF position) {
     const auto held = link;
-    const QPointer<QWidget> self = this;
+    const QWidget* const parent = parentWidget();
     event.ignore();
-    const bool offeredBefore =
-        held->declinedType == event.type() && held->declinedBy && held->declinedBy->parentWidget() == this;
-    held->declinedBy = offeredBefore ? self : nullptr;
+    const bool offeredBefore = held->declinedFor == this && held->declinedType == event.type();
+    held->declinedFor = offeredBefore ? parent : nullptr;
     if (offeredBefore || !held->client || !held->content) return;
     const QPointF inContent = QPointF(mapTo(held->content, QPoint(0, 0))) + position;
     input.location = {inContent.x(), inContent.y()};
@@ -67,7 +66,7 @@ void ViewWidget::offer(QInputEvent& event, InputEvent input, QPointF position) {
         event.accept();
         return;
     }
-    held->declinedBy = self;
+    held->declinedFor = parent;
     held->declinedType = event.type();
 }
 

@@ -16,9 +16,9 @@ namespace zr::qt {
 struct WindowLink {
     port::WindowClient* client = nullptr;
     QPointer<QWidget> content; // whose corner events are measured from
-    // The last widget whose event the window did not take: Qt hands that event to the parents, too, one after
-    // the other, and they must not offer it again.
-    QPointer<QWidget> declinedBy;
+    // An event that the window did not take is handed by Qt to the parents, one after the other, which must not
+    // offer it again. This is the next of them; it is compared, and never followed.
+    const QWidget* declinedFor = nullptr;
     QEvent::Type declinedType = QEvent::None;
 };
 

@@ -88,6 +88,7 @@ TEST_F(QtQueueing, ABlockThatRunsAnEventLoopDoesNotHoldUpTheOthers) {
 TEST_F(QtQueueing, BlocksFromManyThreadsAllRunOnTheMainThread) {
     std::atomic<int> left = 400;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     int here = 0;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {

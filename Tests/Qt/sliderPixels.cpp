@@ -13,7 +13,6 @@ using test::IsColour;
 using test::over;
 
 namespace {
-const Colour kGreen{SystemColour::none, 0.118, 0.663, 0.337, 1};
 constexpr NSSize kSize = {300, 61};
 } // namespace
 

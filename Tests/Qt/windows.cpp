@@ -143,7 +143,7 @@ TEST_F(QtWindows, TheEventLoopEndsWithTheLastWindowWhereTheDelegateWantsThat) {
     auto& application = NSApplication::sharedApplication();
     application.setDelegate(quitter);
     QMetaObject::invokeMethod(
-        topLevel(), [this] { topLevel()->close(); }, Qt::QueuedConnection);
+        topLevel(), [] { topLevel()->close(); }, Qt::QueuedConnection);
     application.run();
     EXPECT_EQ(quitter->terminated, 1);
     EXPECT_TRUE(application.windows().empty());

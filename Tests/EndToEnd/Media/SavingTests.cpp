@@ -36,7 +36,7 @@ protected:
         std::string header = contents(source_).substr(0, 36); // up to the name of the samples
         header += "data";
         for (int shift = 0; shift < 32; shift += 8) header += static_cast<char>(bytes >> shift & 0xFF);
-        const fs::path file = folder_.path() / name;
+        fs::path file = folder_.path() / name;
         write(file, header);
         fs::resize_file(file, header.size() + bytes);
         return file;
