@@ -7,25 +7,26 @@ namespace {
 NSGraphicsContext* current = nullptr; // main thread only, like all drawing
 }
 
-NSGraphicsContext::NSGraphicsContext(port::Canvas& canvas) : canvas_(canvas), outer_(current), states_(1) {
+NSGraphicsContext::NSGraphicsContext(port::Canvas& canvas) : canvas_(canvas), outer_(current) {
     current = this;
 }
 
 NSGraphicsContext::~NSGraphicsContext() {
-    while (states_.size() > 1) restoreGraphicsState();
+    while (!saved_.empty()) restoreGraphicsState();
     current = outer_;
 }
 
 NSGraphicsContext* NSGraphicsContext::currentContext() { return current; }
 
 void NSGraphicsContext::saveGraphicsState() {
-    states_.push_back(states_.back());
+    saved_.push_back(colour_);
     canvas_.save();
 }
 
 void NSGraphicsContext::restoreGraphicsState() {
-    if (states_.size() == 1) return;
-    states_.pop_back();
+    if (saved_.empty()) return;
+    colour_ = saved_.back();
+    saved_.pop_back();
     canvas_.restore();
 }
 

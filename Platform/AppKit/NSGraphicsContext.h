@@ -30,14 +30,15 @@ public:
     static void saveGraphicsState_();
     static void restoreGraphicsState_();
 
-    const Colour& colour() const { return states_.back(); }
-    void setColour(const Colour& colour) { states_.back() = colour; }
+    const Colour& colour() const { return colour_; }
+    void setColour(const Colour& colour) { colour_ = colour; }
     port::Canvas& canvas() { return canvas_; }
 
 private:
     port::Canvas& canvas_;
     NSGraphicsContext* outer_;
-    std::vector<Colour> states_;
+    Colour colour_;
+    std::vector<Colour> saved_;
 };
 
 // Fills with the current colour, replacing what was there, its alpha included.

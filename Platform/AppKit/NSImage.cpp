@@ -5,10 +5,21 @@
 #include <Foundation/NSBundle.h>
 
 #include <algorithm>
+#include <stdexcept>
+#include <utility>
 
 namespace zr {
 
 ZR_CLASS_TABLE(NSImage)
+
+struct NSImage::Focus {
+    Focus(std::unique_ptr<port::BitmapCanvas> bitmapCanvas, double ofScale)
+        : bitmap(std::move(bitmapCanvas)), scale(ofScale), context(bitmap->canvas()) {}
+
+    std::unique_ptr<port::BitmapCanvas> bitmap;
+    double scale;
+    NSGraphicsContext context;
+};
 
 NSImage::NSImage() = default;
 NSImage::~NSImage() = default;
@@ -32,13 +43,32 @@ void NSImage::addRepresentation(const port::ImageRepresentation& representation)
         const auto pixels = representation.bitmap->pixelSize();
         size_ = {pixels.width / representation.scale, pixels.height / representation.scale};
     }
-    representations_.push_back(representation);
+    auto all = representations_ ? *representations_ : std::vector<port::ImageRepresentation>{};
+    all.push_back(representation);
+    representations_ = std::make_shared<const std::vector<port::ImageRepresentation>>(std::move(all));
+}
+
+void NSImage::lockFocus() {
+    auto* installed = installation();
+    if (!installed) throw std::logic_error("lockFocus: no window system is installed");
+    if (focus_) throw std::logic_error("lockFocus: the image is being drawn already");
+    if (NSIsEmptyRect({NSZeroPoint, size_})) throw std::logic_error("lockFocus: the image has no size");
+    const double scale = installed->windowSystem.screenScale();
+    focus_ = std::make_unique<Focus>(installed->windowSystem.makeBitmap(size_, scale), scale);
+    drawInRect_fromRect_operation_fraction({NSZeroPoint, size_}, NSZeroRect, NSCompositingOperationCopy, 1);
+}
+
+void NSImage::unlockFocus() {
+    const auto focus = std::exchange(focus_, nullptr);
+    if (!focus) return;
+    representations_ = std::make_shared<const std::vector<port::ImageRepresentation>>(
+        1, port::ImageRepresentation{focus->bitmap->finish(), focus->scale, Appearance::light});
 }
 
 void NSImage::drawInRect_fromRect_operation_fraction(const NSRect& destination, const NSRect& source,
                                                      NSCompositingOperation operation, double fraction) const {
     auto* context = NSGraphicsContext::currentContext();
-    if (!context || representations_.empty() || NSIsEmptyRect(destination)) return;
+    if (!context || !representations_ || NSIsEmptyRect(destination)) return;
     const NSRect whole = {NSZeroPoint, size_};
     const NSRect wanted = NSIsEmptyRect(source) ? whole : source;
     const NSRect part = NSIntersectionRect(wanted, whole);

@@ -4,6 +4,7 @@
 #include <Base/Geometry.h>
 #include <Foundation/NSObject.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,13 @@ public:
     // The size is that of the first one added, unless it was set.
     void addRepresentation(const port::ImageRepresentation& representation);
 
+    // Between the two, what is drawn goes into the image instead: coordinates from its lower left, unflipped,
+    // the colour black at first, over what the image showed before. The result has the scale of the screen with
+    // the most pixels. Calls for several images nest; unlockFocus alone is ignored. Throws std::logic_error for
+    // an image of no size, one that is being drawn already, and while no window system is installed.
+    void lockFocus();
+    void unlockFocus();
+
     // Draws into the current context. An empty source is the whole image; one that reaches outside is cut, its
     // destination likewise. The picture is scaled to the destination; `fraction` multiplies its alpha, at
     // most 1.
@@ -38,8 +46,11 @@ public:
                                                 NSCompositingOperation operation, double fraction) const;
 
 private:
+    struct Focus;
+
     NSSize size_;
-    std::vector<port::ImageRepresentation> representations_;
+    std::shared_ptr<const std::vector<port::ImageRepresentation>> representations_; // null for none
+    std::unique_ptr<Focus> focus_;                                                  // while it is being drawn
 };
 
 } // namespace zr

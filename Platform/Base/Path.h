@@ -14,6 +14,7 @@ struct PathElement {
     Kind kind = Kind::move;
     // move and line use the first point; curve uses two control points and then the end point.
     std::array<CGPoint, 3> points{};
+    bool operator==(const PathElement&) const = default;
 };
 
 // An outline. The simple shapes keep their parameters, so that a canvas can paint them directly; any other

@@ -82,7 +82,11 @@ public:
                                                  port::ButtonClient& button) override;
     Appearance appearance() const override { return ownAppearance.value_or(options.appearance); }
     void setAppearance(std::optional<Appearance> appearance) override;
+    std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override {
+        return std::make_unique<RecordingBitmapCanvas>(size, scale, appearance());
+    }
     CGSize screenSize() const override { return options.screenSize; }
+    double screenScale() const override { return options.scale; }
     void run() override;
     void stop() override { stopped = true; }
     std::unique_ptr<port::TrackingLoop> beginTracking() override;

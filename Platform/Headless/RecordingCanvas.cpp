@@ -92,10 +92,10 @@ void RecordingCanvas::stroke(const Path& path, const Colour& colour, const port:
     lines_.push_back("stroke " + written(path) + " " + written(colour) + " width " + written(style.lineWidth));
 }
 
-void RecordingCanvas::image(const std::vector<port::ImageRepresentation>& representations, CGSize,
+void RecordingCanvas::image(const port::ImageRepresentations& representations, CGSize,
                             const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
                             double fraction) {
-    const auto* chosen = port::bestRepresentation(representations, scale_, appearance_);
+    const auto* chosen = port::bestRepresentation(*representations, scale_, appearance_);
     const auto* bitmap = chosen ? dynamic_cast<const NamedBitmap*>(chosen->bitmap.get()) : nullptr;
     std::string line = "image ";
     line += bitmap ? bitmap->name() : "?";
@@ -116,6 +116,16 @@ void RecordingCanvas::text(std::string_view line, const FontDescription& font, c
         out += part;
     }
     lines_.push_back(std::move(out));
+}
+
+std::shared_ptr<port::Bitmap> RecordingBitmapCanvas::finish() {
+    std::string name = "[";
+    for (const auto& line : canvas_.lines()) {
+        if (name.size() > 1) name += "; ";
+        name += line;
+    }
+    name += "]";
+    return std::make_shared<NamedBitmap>(std::move(name), pixels_);
 }
 
 std::shared_ptr<NamedBitmap> readBitmap(const std::string& path) {

@@ -18,9 +18,8 @@ public:
     void clip(const Path& path) override;
     void fill(const Path& path, const Colour& colour, NSCompositingOperation operation) override;
     void stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) override;
-    void image(const std::vector<port::ImageRepresentation>& representations, CGSize imageSize,
-               const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
-               double fraction) override;
+    void image(const port::ImageRepresentations& representations, CGSize imageSize, const CGRect& destination,
+               const CGRect& source, NSCompositingOperation operation, double fraction) override;
     void text(std::string_view text, const FontDescription& font, const Colour& colour,
               CGPoint origin) override;
 
@@ -32,7 +31,7 @@ private:
     std::vector<std::string> lines_;
 };
 
-// A picture that is known by the name of its file and by its size.
+// A picture that is known by the name of its file, or by the operations that drew it, and by its size.
 class NamedBitmap final : public port::Bitmap {
 public:
     NamedBitmap(std::string name, CGSize pixels) : name_(std::move(name)), pixels_(pixels) {}
@@ -42,6 +41,19 @@ public:
 private:
     std::string name_;
     CGSize pixels_;
+};
+
+// The name of the picture is the list of its operations.
+class RecordingBitmapCanvas final : public port::BitmapCanvas {
+public:
+    RecordingBitmapCanvas(CGSize size, double scale, Appearance appearance)
+        : pixels_{size.width * scale, size.height * scale}, canvas_(scale, appearance) {}
+    port::Canvas& canvas() override { return canvas_; }
+    std::shared_ptr<port::Bitmap> finish() override;
+
+private:
+    CGSize pixels_;
+    RecordingCanvas canvas_;
 };
 
 // Null for a file that is no PNG picture.

@@ -1,4 +1,5 @@
 #include "QtCanvas.h"
+#include "Stamps.h"
 
 #include <QApplication>
 #include <QFontMetricsF>
@@ -58,20 +59,28 @@ QFont fontFor(const FontDescription& description) {
     return font;
 }
 
-QtCanvas::QtCanvas(QPainter& painter, const Geometry& geometry)
-    : painter_(painter), geometry_(geometry), scale_(painter.device()->devicePixelRatioF()) {
-    painter_.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+// From here on the painter's coordinates are the device's own: shapes that lie on whole pixels stay there, and
+// pictures of natural size are copied.
+QtCanvas::QtCanvas(QPainter& painter, const Geometry& geometry) : painter_(painter), geometry_(geometry) {
+    const QTransform device = painter_.deviceTransform();
+    plain_ = device.type() <= QTransform::TxScale && device.m11() > 0 && device.m11() == device.m22();
+    scale_ = plain_ ? device.m11() : 1;
+    if (plain_) {
+        origin_ = {device.dx(), device.dy()};
+        painter_.setWorldTransform(device.inverted(), true);
+    }
     painter_.setPen(Qt::NoPen);
 }
 
 QPointF QtCanvas::mapped(CGPoint point) const {
     const double y = geometry_.yUp ? geometry_.height - point.y : point.y;
-    return {point.x + geometry_.shift.x(), y + geometry_.shift.y()};
+    return {origin_.x() + (point.x + geometry_.shift.x()) * scale_,
+            origin_.y() + (y + geometry_.shift.y()) * scale_};
 }
 
 QRectF QtCanvas::mapped(const CGRect& rect) const {
     const CGPoint topLeft = {rect.origin.x, geometry_.yUp ? NSMaxY(rect) : NSMinY(rect)};
-    return {mapped(topLeft), QSizeF(rect.size.width, rect.size.height)};
+    return {mapped(topLeft), QSizeF(rect.size.width * scale_, rect.size.height * scale_)};
 }
 
 QPainterPath QtCanvas::mapped(const Path& path) const {
@@ -97,62 +106,115 @@ QPainterPath QtCanvas::mapped(const Path& path) const {
     return result;
 }
 
-double QtCanvas::snapped(double position) const { return std::round(position * scale_) / scale_; }
-
 // Top and height on whole device pixels, one at least; the sides as they are.
 QRectF QtCanvas::bar(const CGRect& rect) const {
     QRectF result = mapped(rect);
-    result.moveTop(snapped(result.top()));
-    result.setHeight(std::max(1.0, std::round(rect.size.height * scale_)) / scale_);
+    result.moveTop(std::round(result.top()));
+    result.setHeight(std::max(1.0, std::round(result.height())));
     return result;
+}
+
+bool QtCanvas::copies() const {
+    return plain_ && painter_.compositionMode() == QPainter::CompositionMode_SourceOver;
 }
 
 void QtCanvas::clip(const Path& path) { painter_.setClipPath(mapped(path), Qt::IntersectClip); }
 
+template <class Shape>
+void QtCanvas::paintSmooth(const QBrush& brush, const Shape& shape) {
+    painter_.setRenderHint(QPainter::Antialiasing);
+    painter_.setBrush(brush);
+    shape();
+    painter_.setBrush(Qt::NoBrush);
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+}
+
+namespace {
+
+// Numbers that fit into device coordinates.
+bool isReasonable(const QRectF& rect) {
+    constexpr double kLimit = 1e6;
+    return std::abs(rect.left()) < kLimit && std::abs(rect.right()) < kLimit && std::abs(rect.top()) < kLimit &&
+           std::abs(rect.bottom()) < kLimit;
+}
+
+} // namespace
+
+void QtCanvas::fillRectangle(const QRectF& rect, const QColor& colour) {
+    const bool whole = isReasonable(rect) && rect.left() == std::round(rect.left()) &&
+                       rect.right() == std::round(rect.right());
+    if (plain_ && whole)
+        painter_.fillRect(rect.toRect(), colour);
+    else
+        paintSmooth(colour, [&] { painter_.drawRect(rect); });
+}
+
+void QtCanvas::fillRounded(const QRectF& rect, double xRadius, double yRadius, const QColor& colour) {
+    if (copies() && isReasonable(rect) && canBeStamped({xRadius, rect.height()})) {
+        if (const auto stamps = barStamps(rect, xRadius, yRadius, colour)) {
+            painter_.drawImage(stamps->left.topLeft, stamps->left.image);
+            painter_.fillRect(stamps->middle, colour);
+            painter_.drawImage(stamps->right.topLeft, stamps->right.image);
+            return;
+        }
+    }
+    paintSmooth(colour, [&] { painter_.drawRoundedRect(rect, xRadius, yRadius); });
+}
+
+void QtCanvas::fillOval(const QRectF& oval, const QColor& colour) {
+    if (copies() && isReasonable(oval) && canBeStamped(oval.size())) {
+        const Stamp stamp = ovalStamp(oval, colour);
+        painter_.drawImage(stamp.topLeft, stamp.image);
+    } else {
+        paintSmooth(colour, [&] { painter_.drawEllipse(oval); });
+    }
+}
+
 void QtCanvas::fill(const Path& path, const Colour& colour, NSCompositingOperation operation) {
     const Mode mode(painter_, operation);
-    painter_.setBrush(colourFor(colour, geometry_.appearance));
+    const QColor painted = colourFor(colour, geometry_.appearance);
     switch (path.shape) {
     case PathShape::rectangle:
-        painter_.drawRect(bar(path.bounds));
+        fillRectangle(bar(path.bounds), painted);
         break;
     case PathShape::roundedRectangle: {
         const QRectF rect = bar(path.bounds);
-        painter_.drawRoundedRect(rect, std::min(path.xRadius, rect.width() / 2),
-                                 std::min(path.yRadius, rect.height() / 2));
+        fillRounded(rect, std::min(path.xRadius * scale_, rect.width() / 2),
+                    std::min(path.yRadius * scale_, rect.height() / 2), painted);
         break;
     }
     case PathShape::oval:
-        painter_.drawEllipse(mapped(path.bounds));
+        fillOval(mapped(path.bounds), painted);
         break;
     case PathShape::elements:
-        painter_.drawPath(mapped(path));
+        paintSmooth(painted, [&] { painter_.drawPath(mapped(path)); });
         break;
     }
 }
 
 void QtCanvas::stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) {
-    QPen pen(colourFor(colour, geometry_.appearance), style.lineWidth, Qt::SolidLine, Qt::FlatCap,
-             Qt::MiterJoin);
-    painter_.setBrush(Qt::NoBrush);
+    const QPen pen(colourFor(colour, geometry_.appearance), style.lineWidth * scale_, Qt::SolidLine,
+                   Qt::FlatCap, Qt::MiterJoin);
     painter_.setPen(pen);
-    painter_.drawPath(mapped(path));
+    paintSmooth(Qt::NoBrush, [&] { painter_.drawPath(mapped(path)); });
     painter_.setPen(Qt::NoPen);
 }
 
-void QtCanvas::image(const std::vector<port::ImageRepresentation>& representations, CGSize imageSize,
+void QtCanvas::image(const port::ImageRepresentations& representations, CGSize imageSize,
                      const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
                      double fraction) {
-    const auto* chosen = port::bestRepresentation(representations, scale_, geometry_.appearance);
+    const auto* chosen = port::bestRepresentation(*representations, scale_, geometry_.appearance);
     const auto* bitmap = chosen ? dynamic_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
     if (!bitmap || NSIsEmptyRect({{}, imageSize})) return;
     QRectF target = mapped(destination);
-    if (destination.size == source.size) target.moveTopLeft({snapped(target.left()), snapped(target.top())});
+    if (destination.size == source.size)
+        target.moveTopLeft({std::round(target.left()), std::round(target.top())});
     const double px = bitmap->image().width() / imageSize.width,
                  py = bitmap->image().height() / imageSize.height;
     const QRectF part(source.origin.x * px, (imageSize.height - NSMaxY(source)) * py, source.size.width * px,
                       source.size.height * py);
     const Mode mode(painter_, operation);
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform);
     painter_.setOpacity(fraction);
     if (geometry_.yUp) {
         painter_.drawImage(target, bitmap->image(), part);
@@ -167,16 +229,43 @@ void QtCanvas::image(const std::vector<port::ImageRepresentation>& representatio
     painter_.setOpacity(1);
 }
 
+// Fonts are made for the device's points, so text is painted in them.
 void QtCanvas::text(std::string_view text, const FontDescription& description, const Colour& colour,
                     CGPoint origin) {
     const QFont font = fontFor(description);
     const QFontMetricsF metrics(font, painter_.device());
-    QPointF baseline = mapped(origin);
+    QPointF baseline = mapped(origin) / scale_;
     baseline.ry() += geometry_.yUp ? -metrics.descent() : metrics.ascent();
+    const QTransform before = painter_.worldTransform();
+    painter_.scale(scale_, scale_);
     painter_.setFont(font);
     painter_.setPen(colourFor(colour, geometry_.appearance));
     painter_.drawText(baseline, QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
     painter_.setPen(Qt::NoPen);
+    painter_.setWorldTransform(before);
+}
+
+namespace {
+
+QImage transparent(CGSize size, double scale) {
+    QImage image(static_cast<int>(std::ceil(size.width * scale)),
+                 static_cast<int>(std::ceil(size.height * scale)), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+} // namespace
+
+QtBitmapCanvas::QtBitmapCanvas(CGSize size, double scale, Appearance appearance)
+    : image_(transparent(size, scale))
+    , painter_(&image_)
+    , canvas_(painter_, {.height = size.height, .yUp = true, .shift = {}, .appearance = appearance}) {}
+
+std::shared_ptr<port::Bitmap> QtBitmapCanvas::finish() {
+    painter_.end();
+    image_.setDevicePixelRatio(1);
+    return std::make_shared<QtBitmap>(std::move(image_));
 }
 
 } // namespace zr::qt

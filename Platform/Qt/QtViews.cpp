@@ -34,22 +34,89 @@ ViewWidget::~ViewWidget() { tellGone(client); }
 void ViewWidget::place(const CGRect& frame) {
     const QRect whole = PlainPeer::wholePoints(frame);
     shift_ = QPointF(frame.origin.x - whole.x(), frame.origin.y - whole.y());
-    height_ = frame.size.height;
+    if (size_ != frame.size) drawn_ = false;
+    size_ = frame.size;
     if (whole == geometry())
         update();
     else
         setGeometry(whole);
 }
 
+namespace {
+
+// Asks a view to draw. Comes after the window's own updates, which lay out, and before Qt paints. One is posted
+// for each step of a drag, so the memory of the last one is used again.
+class DrawEvent final : public QEvent {
+public:
+    static QEvent::Type kind() {
+        static const auto registered = static_cast<QEvent::Type>(registerEventType());
+        return registered;
+    }
+    DrawEvent() : QEvent(kind()) {}
+
+    static void* operator new(std::size_t size) {
+        if (void* const memory = std::exchange(spare, nullptr)) return memory;
+        return ::operator new(size);
+    }
+    static void operator delete(void* memory) { ::operator delete(std::exchange(spare, memory)); }
+
+private:
+    static inline void* spare = nullptr; // views live on the main thread
+};
+
+} // namespace
+
+void ViewWidget::invalidate() {
+    if (std::exchange(drawingIsDue_, true)) return;
+    QCoreApplication::postEvent(this, new DrawEvent);
+}
+
+bool ViewWidget::event(QEvent* event) {
+    if (event->type() != DrawEvent::kind()) return QWidget::event(event);
+    if (drawingIsDue_ && isVisible() && client) update(drawAgain());
+    return true;
+}
+
+// Answers what has to be painted.
+QRegion ViewWidget::drawAgain() {
+    // Drawing seldom happens within another; the memory is used by all views in turn.
+    static DisplayList spare;
+    DisplayList next = std::move(spare);
+    next.clear();
+    drawingIsDue_ = false;
+    client->peerDraw(next, {{0, 0}, size_});
+    static DamagedAreas areas;
+    areas.clear();
+    const bool comparable = std::exchange(drawn_, true) && shown_.compare(next, areas);
+    shown_ = next;
+    spare = std::move(next);
+    if (!comparable || !client) return rect();
+    const bool yUp = client->peerDrawsUpwards();
+    QRegion damage;
+    for (const CGRect& area : areas.merged()) {
+        const double top = yUp ? size_.height - NSMaxY(area) : NSMinY(area);
+        damage +=
+            QRectF(area.origin.x, top, area.size.width, area.size.height).translated(shift_).toAlignedRect();
+    }
+    return damage;
+}
+
 void ViewWidget::paintEvent(QPaintEvent* event) {
     if (!client) return;
+    if (drawingIsDue_ || !drawn_) {
+        const QRegion elsewhere = drawAgain() - event->region();
+        if (!client) return;
+        if (!elsewhere.isEmpty()) update(elsewhere);
+    }
+    const bool yUp = client->peerDrawsUpwards();
     QPainter painter(this);
-    QtCanvas canvas(painter, {.height = height_,
-                              .yUp = client->peerDrawsUpwards(),
+    QtCanvas canvas(painter, {.height = size_.height,
+                              .yUp = yUp,
                               .shift = shift_,
                               .appearance = appearanceOf(QApplication::palette())});
-    const QRectF dirty = QRectF(event->rect()).translated(-shift_);
-    client->peerDraw(canvas, {{dirty.x(), dirty.y()}, {dirty.width(), dirty.height()}});
+    const QRectF part = QRectF(event->rect()).translated(-shift_);
+    const double y = yUp ? size_.height - part.bottom() : part.top();
+    shown_.replay(canvas, {{part.x(), y}, {part.width(), part.height()}});
 }
 
 // After the window got the event, this widget may be cut off from its view, or its window closed.

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "DisplayList.h"
+
 #include <WindowSystem/Views.h>
 
 #include <QInputEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegion>
 #include <QWidget>
 
 #include <memory>
@@ -22,18 +25,21 @@ struct WindowLink {
     QEvent::Type declinedType = QEvent::None;
 };
 
-// The widget of a view that draws.
+// The widget of a view that draws. It keeps what the view drew: exposing it again does not ask the view, and of
+// a new drawing only what differs from the one on the screen is painted.
 class ViewWidget final : public QWidget {
 public:
     ViewWidget(QWidget* parent, std::shared_ptr<WindowLink> link, port::ViewClient& viewClient);
     ~ViewWidget() override;
 
     void place(const CGRect& frame);
+    void invalidate(); // the view draws once, after the current event
 
     std::shared_ptr<WindowLink> link;
     port::ViewClient* client; // null once the peer is gone
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override { mouse(*event); }
     void mouseDoubleClickEvent(QMouseEvent* event) override { mouse(*event); }
@@ -50,8 +56,13 @@ private:
     void key(QKeyEvent& event);
     void offer(QInputEvent& event, InputEvent input, QPointF position);
 
+    QRegion drawAgain();
+
+    DisplayList shown_;
     QPointF shift_; // from the exact corner to the whole point where the widget stands
-    double height_ = 0;
+    CGSize size_;
+    bool drawn_ = false; // shown_ is what a drawing of this size gave
+    bool drawingIsDue_ = false;
 };
 
 // Text on one line, which is shortened where it does not fit, or on several.
@@ -124,7 +135,11 @@ public:
         if (widget_) widget_->raise();
     }
     void invalidate() override {
-        if (widget_) widget_->update();
+        if (!widget_) return;
+        if constexpr (requires { widget_->invalidate(); })
+            widget_->invalidate();
+        else
+            widget_->update();
     }
     void focus() override {
         if (widget_) widget_->setFocus(Qt::OtherFocusReason);

@@ -4,7 +4,6 @@
 #include "QtWindow.h"
 #include "QtWindowSystem.h"
 
-#include <QApplication>
 #include <QFontMetricsF>
 #include <QScreen>
 #include <QWindow>
@@ -66,6 +65,10 @@ std::shared_ptr<port::Bitmap> QtWindowSystem::loadBitmap(const std::string& path
     QImage image(QString::fromStdString(path));
     if (image.isNull()) return nullptr;
     return std::make_shared<QtBitmap>(image.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+std::unique_ptr<port::BitmapCanvas> QtWindowSystem::makeBitmap(CGSize size, double scale) {
+    return std::make_unique<QtBitmapCanvas>(size, scale, appearance());
 }
 
 TextSize QtWindowSystem::measure(std::string_view line, const FontDescription& font) {

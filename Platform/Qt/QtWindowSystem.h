@@ -2,6 +2,7 @@
 
 #include <WindowSystem/WindowSystem.h>
 
+#include <QApplication>
 #include <QObject>
 #include <QPalette>
 
@@ -16,6 +17,7 @@ public:
     void setClient(port::ApplicationClient* client) { client_ = client; }
 
     std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override;
+    std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override;
     TextSize measure(std::string_view line, const FontDescription& font) override;
     std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
                                                  bool resizable) override;
@@ -28,6 +30,7 @@ public:
     Appearance appearance() const override;
     void setAppearance(std::optional<Appearance> appearance) override;
     CGSize screenSize() const override;
+    double screenScale() const override { return qApp->devicePixelRatio(); }
     void run() override;
     void stop() override;
     std::unique_ptr<port::TrackingLoop> beginTracking() override;

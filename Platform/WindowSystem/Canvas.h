@@ -27,6 +27,9 @@ struct ImageRepresentation {
     Appearance appearance = Appearance::light;
 };
 
+// Shared with whoever keeps what was drawn; never changed.
+using ImageRepresentations = std::shared_ptr<const std::vector<ImageRepresentation>>;
+
 // The representation for a canvas of that scale and appearance: of its appearance where there is one, then the
 // smallest that has pixels enough, else the largest. Null for none.
 const ImageRepresentation* bestRepresentation(const std::vector<ImageRepresentation>& representations,
@@ -50,13 +53,20 @@ public:
     virtual void fill(const Path& path, const Colour& colour, NSCompositingOperation operation) = 0;
     virtual void stroke(const Path& path, const Colour& colour, const StrokeStyle& style) = 0;
     // Draws `source` of the image (points of its own, lower left; never empty) into `destination`.
-    virtual void image(const std::vector<ImageRepresentation>& representations, CGSize imageSize,
-                       const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
-                       double fraction) = 0;
+    virtual void image(const ImageRepresentations& representations, CGSize imageSize, const CGRect& destination,
+                       const CGRect& source, NSCompositingOperation operation, double fraction) = 0;
     // One line of text; `origin` is the corner of its line box that has the smallest coordinates on an
     // unflipped canvas (lower left) and on a flipped one (upper left).
     virtual void text(std::string_view text, const FontDescription& font, const Colour& colour,
                       CGPoint origin) = 0;
+};
+
+// A picture being drawn: transparent at first, y runs up.
+class BitmapCanvas {
+public:
+    virtual ~BitmapCanvas() = default;
+    virtual Canvas& canvas() = 0;
+    virtual std::shared_ptr<Bitmap> finish() = 0; // what was drawn; the canvas is not used any more
 };
 
 } // namespace zr::port

@@ -18,6 +18,7 @@ class Graphics {
 public:
     virtual ~Graphics() = default;
     virtual std::shared_ptr<Bitmap> loadBitmap(const std::string& path) = 0; // null when it cannot be read
+    virtual std::unique_ptr<BitmapCanvas> makeBitmap(CGSize size, double scale) = 0; // points; never empty
     virtual TextSize measure(std::string_view line, const FontDescription& font) = 0;
 };
 
@@ -51,7 +52,8 @@ public:
     virtual Appearance appearance() const = 0;
     virtual void setAppearance(std::optional<Appearance> appearance) = 0; // nothing: follow the desktop
     virtual CGSize screenSize() const = 0;                                // of the primary screen, points
-    virtual void run() = 0;                                               // until stop()
+    virtual double screenScale() const = 0; // device pixels for a point, the largest of all screens
+    virtual void run() = 0;                 // until stop()
     virtual void stop() = 0;
     virtual std::unique_ptr<TrackingLoop> beginTracking() = 0;
 };
