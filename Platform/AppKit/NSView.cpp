@@ -266,7 +266,7 @@ void NSView::realiseAsContent(port::PeerFactory& factory, port::WindowPeer& wind
 
 void NSView::adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPeer> peer) {
     peer_ = std::move(peer);
-    peer_->setName(identifier_.empty() ? std::string(class_().name) : identifier_);
+    if (!identifier_.empty()) peer_->setName(identifier_);
     placePeer();
     if (hidden_) peer_->setHidden(true);
     const auto subviews = subviews_;

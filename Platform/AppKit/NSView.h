@@ -98,7 +98,7 @@ public:
     // The colours changed; the view is drawn again without asking for it.
     virtual void viewDidChangeEffectiveAppearance() {}
 
-    // A name for tests and accessibility; the class's name by default.
+    // A name for tests and accessibility; none by default.
     const std::string& identifier() const { return identifier_; }
     void setIdentifier(const std::string& identifier);
 

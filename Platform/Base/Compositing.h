@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
+
 namespace zr {
 
-enum NSCompositingOperation {
+enum NSCompositingOperation : std::uint8_t {
     NSCompositingOperationClear = 0,
     NSCompositingOperationCopy = 1,
     NSCompositingOperationSourceOver = 2,

@@ -3,11 +3,12 @@
 #include <Base/Geometry.h>
 
 #include <array>
+#include <cstdint>
 #include <vector>
 
 namespace zr {
 
-enum class PathShape { elements, rectangle, roundedRectangle, oval };
+enum class PathShape : std::uint8_t { elements, rectangle, roundedRectangle, oval };
 
 struct PathElement {
     enum class Kind { move = 0, line = 1, curve = 2, close = 3 };

@@ -48,7 +48,7 @@ DisplayList::Operation& DisplayList::addPath(Kind kind, const Path& path) {
     operation.xRadius = path.xRadius;
     operation.yRadius = path.yRadius;
     if (path.shape == PathShape::elements || kind == Kind::stroke) {
-        operation.detail = outlines_.size();
+        operation.detail = static_cast<std::uint32_t>(outlines_.size());
         outlines_.push_back({path.elements, 0});
     }
     return operation;
@@ -71,7 +71,7 @@ void DisplayList::image(const port::ImageRepresentations& representations, CGSiz
     auto& operation = add(Kind::image);
     operation.compositing = compositing;
     operation.bounds = destination;
-    operation.detail = pictures_.size();
+    operation.detail = static_cast<std::uint32_t>(pictures_.size());
     pictures_.push_back({representations, imageSize, source, fraction});
 }
 
@@ -80,7 +80,7 @@ void DisplayList::text(std::string_view text, const FontDescription& font, const
     auto& operation = add(Kind::text);
     operation.colour = colour;
     operation.bounds.origin = origin;
-    operation.detail = texts_.size();
+    operation.detail = static_cast<std::uint32_t>(texts_.size());
     texts_.push_back({std::string(text), font});
 }
 
@@ -191,13 +191,18 @@ void DisplayList::paint(const Operation& operation, port::Canvas& canvas) const 
     }
 }
 
+bool DisplayList::touches(const Operation& operation, const CGRect& part) const {
+    const auto painted = nests_ ? std::nullopt : area(operation);
+    return !painted || !NSIsEmptyRect(NSIntersectionRect(NSInsetRect(*painted, -kSmear, -kSmear), part));
+}
+
+bool DisplayList::touches(const CGRect& part) const {
+    return std::ranges::any_of(operations_, [&](const auto& operation) { return touches(operation, part); });
+}
+
 void DisplayList::replay(port::Canvas& canvas, const CGRect& part) const {
-    for (const auto& operation : operations_) {
-        const auto painted = nests_ ? std::nullopt : area(operation);
-        if (painted && NSIsEmptyRect(NSIntersectionRect(NSInsetRect(*painted, -kSmear, -kSmear), part)))
-            continue;
-        paint(operation, canvas);
-    }
+    for (const auto& operation : operations_)
+        if (touches(operation, part)) paint(operation, canvas);
 }
 
 } // namespace zr::qt

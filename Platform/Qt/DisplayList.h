@@ -2,6 +2,7 @@
 
 #include <WindowSystem/Canvas.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,7 @@ public:
 
     // Paints what touches `part`, or all of it where parts depend on each other.
     void replay(port::Canvas& canvas, const CGRect& part) const;
+    bool touches(const CGRect& part) const; // whether replay would paint anything
 
     // Adds the areas outside of which this list and the next one look the same; false when that cannot be told.
     bool compare(const DisplayList& next, DamagedAreas& areas) const;
@@ -50,10 +52,10 @@ private:
         Kind kind{};
         PathShape shape{};
         NSCompositingOperation compositing{};
-        CGRect bounds; // of the shape or the destination
+        std::uint32_t detail = 0; // index
+        CGRect bounds;            // of the shape or the destination
         double xRadius = 0, yRadius = 0;
         Colour colour;
-        std::size_t detail = 0; // index
     };
     struct Picture {
         port::ImageRepresentations representations;
@@ -79,6 +81,7 @@ private:
     // Where the operation paints; nothing when that is not known.
     static std::optional<CGRect> area(const Operation& operation);
     static bool addDifference(const Operation& a, const Operation& b, DamagedAreas& areas);
+    bool touches(const Operation& operation, const CGRect& part) const;
     void paint(const Operation& operation, port::Canvas& canvas) const;
 
     std::vector<Operation> operations_;

@@ -59,17 +59,18 @@ QFont fontFor(const FontDescription& description) {
     return font;
 }
 
-// From here on the painter's coordinates are the device's own: shapes that lie on whole pixels stay there, and
-// pictures of natural size are copied.
+// From here on the painter's coordinates are the device's own, or whole pixels away from them: shapes that lie
+// on whole pixels stay there, and pictures of natural size are copied.
 QtCanvas::QtCanvas(QPainter& painter, const Geometry& geometry) : painter_(painter), geometry_(geometry) {
     const QTransform device = painter_.deviceTransform();
     plain_ = device.type() <= QTransform::TxScale && device.m11() > 0 && device.m11() == device.m22();
     scale_ = plain_ ? device.m11() : 1;
-    if (plain_) {
+    const bool isDevice =
+        scale_ == 1 && device.dx() == std::floor(device.dx()) && device.dy() == std::floor(device.dy());
+    if (plain_ && !isDevice) {
         origin_ = {device.dx(), device.dy()};
         painter_.setWorldTransform(device.inverted(), true);
     }
-    painter_.setPen(Qt::NoPen);
 }
 
 QPointF QtCanvas::mapped(CGPoint point) const {
@@ -121,8 +122,9 @@ bool QtCanvas::copies() const {
 void QtCanvas::clip(const Path& path) { painter_.setClipPath(mapped(path), Qt::IntersectClip); }
 
 template <class Shape>
-void QtCanvas::paintSmooth(const QBrush& brush, const Shape& shape) {
+void QtCanvas::paintSmooth(const QPen& pen, const QBrush& brush, const Shape& shape) {
     painter_.setRenderHint(QPainter::Antialiasing);
+    painter_.setPen(pen);
     painter_.setBrush(brush);
     shape();
     painter_.setBrush(Qt::NoBrush);
@@ -146,7 +148,7 @@ void QtCanvas::fillRectangle(const QRectF& rect, const QColor& colour) {
     if (plain_ && whole)
         painter_.fillRect(rect.toRect(), colour);
     else
-        paintSmooth(colour, [&] { painter_.drawRect(rect); });
+        paintSmooth(Qt::NoPen, colour, [&] { painter_.drawRect(rect); });
 }
 
 void QtCanvas::fillRounded(const QRectF& rect, double xRadius, double yRadius, const QColor& colour) {
@@ -158,7 +160,7 @@ void QtCanvas::fillRounded(const QRectF& rect, double xRadius, double yRadius, c
             return;
         }
     }
-    paintSmooth(colour, [&] { painter_.drawRoundedRect(rect, xRadius, yRadius); });
+    paintSmooth(Qt::NoPen, colour, [&] { painter_.drawRoundedRect(rect, xRadius, yRadius); });
 }
 
 void QtCanvas::fillOval(const QRectF& oval, const QColor& colour) {
@@ -166,7 +168,7 @@ void QtCanvas::fillOval(const QRectF& oval, const QColor& colour) {
         const Stamp stamp = ovalStamp(oval, colour);
         painter_.drawImage(stamp.topLeft, stamp.image);
     } else {
-        paintSmooth(colour, [&] { painter_.drawEllipse(oval); });
+        paintSmooth(Qt::NoPen, colour, [&] { painter_.drawEllipse(oval); });
     }
 }
 
@@ -187,7 +189,7 @@ void QtCanvas::fill(const Path& path, const Colour& colour, NSCompositingOperati
         fillOval(mapped(path.bounds), painted);
         break;
     case PathShape::elements:
-        paintSmooth(painted, [&] { painter_.drawPath(mapped(path)); });
+        paintSmooth(Qt::NoPen, painted, [&] { painter_.drawPath(mapped(path)); });
         break;
     }
 }
@@ -195,16 +197,14 @@ void QtCanvas::fill(const Path& path, const Colour& colour, NSCompositingOperati
 void QtCanvas::stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) {
     const QPen pen(colourFor(colour, geometry_.appearance), style.lineWidth * scale_, Qt::SolidLine,
                    Qt::FlatCap, Qt::MiterJoin);
-    painter_.setPen(pen);
-    paintSmooth(Qt::NoBrush, [&] { painter_.drawPath(mapped(path)); });
-    painter_.setPen(Qt::NoPen);
+    paintSmooth(pen, Qt::NoBrush, [&] { painter_.drawPath(mapped(path)); });
 }
 
 void QtCanvas::image(const port::ImageRepresentations& representations, CGSize imageSize,
                      const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
                      double fraction) {
     const auto* chosen = port::bestRepresentation(*representations, scale_, geometry_.appearance);
-    const auto* bitmap = chosen ? dynamic_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
+    const auto* bitmap = chosen ? static_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
     if (!bitmap || NSIsEmptyRect({{}, imageSize})) return;
     QRectF target = mapped(destination);
     if (destination.size == source.size)
@@ -214,6 +214,12 @@ void QtCanvas::image(const port::ImageRepresentations& representations, CGSize i
     const QRectF part(source.origin.x * px, (imageSize.height - NSMaxY(source)) * py, source.size.width * px,
                       source.size.height * py);
     const Mode mode(painter_, operation);
+    const QPoint corner = isReasonable(target) ? target.topLeft().toPoint() : QPoint();
+    if (plain_ && geometry_.yUp && fraction == 1 && target == QRectF(corner, part.size()) &&
+        part == part.toRect()) {
+        painter_.drawImage(corner, bitmap->image(), part.toRect());
+        return;
+    }
     painter_.setRenderHint(QPainter::SmoothPixmapTransform);
     painter_.setOpacity(fraction);
     if (geometry_.yUp) {
@@ -241,7 +247,6 @@ void QtCanvas::text(std::string_view text, const FontDescription& description, c
     painter_.setFont(font);
     painter_.setPen(colourFor(colour, geometry_.appearance));
     painter_.drawText(baseline, QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
-    painter_.setPen(Qt::NoPen);
     painter_.setWorldTransform(before);
 }
 

@@ -54,7 +54,7 @@ private:
     void fillRounded(const QRectF& rect, double xRadius, double yRadius, const QColor& colour);
     void fillOval(const QRectF& oval, const QColor& colour);
     template <class Shape>
-    void paintSmooth(const QBrush& brush, const Shape& shape);
+    void paintSmooth(const QPen& pen, const QBrush& brush, const Shape& shape);
     bool copies() const; // pixels of a kept picture can simply be copied
 
     QPainter& painter_;

@@ -1,4 +1,5 @@
 #include "QtCanvas.h"
+#include "QtDueWork.h"
 #include "QtEvents.h"
 #include "QtViews.h"
 
@@ -19,9 +20,15 @@ void tellGone(port::ViewClient*& client) {
 } // namespace
 
 Appearance appearanceOf(const QPalette& palette) {
+    // Asked for each paint, and nearly always of the same palette.
+    static qint64 lastKey = 0;
+    static auto last = Appearance::light;
+    if (palette.cacheKey() == lastKey) return last;
     const bool dark =
         palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
-    return dark ? Appearance::dark : Appearance::light;
+    lastKey = palette.cacheKey();
+    last = dark ? Appearance::dark : Appearance::light;
+    return last;
 }
 
 // ViewWidget
@@ -42,39 +49,12 @@ void ViewWidget::place(const CGRect& frame) {
         setGeometry(whole);
 }
 
-namespace {
-
-// Asks a view to draw. Comes after the window's own updates, which lay out, and before Qt paints. One is posted
-// for each step of a drag, so the memory of the last one is used again.
-class DrawEvent final : public QEvent {
-public:
-    static QEvent::Type kind() {
-        static const auto registered = static_cast<QEvent::Type>(registerEventType());
-        return registered;
-    }
-    DrawEvent() : QEvent(kind()) {}
-
-    static void* operator new(std::size_t size) {
-        if (void* const memory = std::exchange(spare, nullptr)) return memory;
-        return ::operator new(size);
-    }
-    static void operator delete(void* memory) { ::operator delete(std::exchange(spare, memory)); }
-
-private:
-    static inline void* spare = nullptr; // views live on the main thread
-};
-
-} // namespace
-
 void ViewWidget::invalidate() {
     if (std::exchange(drawingIsDue_, true)) return;
-    QCoreApplication::postEvent(this, new DrawEvent);
-}
-
-bool ViewWidget::event(QEvent* event) {
-    if (event->type() != DrawEvent::kind()) return QWidget::event(event);
-    if (drawingIsDue_ && isVisible() && client) update(drawAgain());
-    return true;
+    addDueWork(DueWork::drawing, this, [](QWidget* widget) {
+        auto& view = *static_cast<ViewWidget*>(widget);
+        if (view.drawingIsDue_ && view.isVisible() && view.client) view.update(view.drawAgain());
+    });
 }
 
 // Answers what has to be painted.
@@ -109,14 +89,16 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
         if (!elsewhere.isEmpty()) update(elsewhere);
     }
     const bool yUp = client->peerDrawsUpwards();
+    const QRectF widgetPart = QRectF(event->rect()).translated(-shift_);
+    const CGRect part = {{widgetPart.x(), yUp ? size_.height - widgetPart.bottom() : widgetPart.top()},
+                         {widgetPart.width(), widgetPart.height()}};
+    if (!shown_.touches(part)) return; // opening a painter is not free
     QPainter painter(this);
     QtCanvas canvas(painter, {.height = size_.height,
                               .yUp = yUp,
                               .shift = shift_,
                               .appearance = appearanceOf(QApplication::palette())});
-    const QRectF part = QRectF(event->rect()).translated(-shift_);
-    const double y = yUp ? size_.height - part.bottom() : part.top();
-    shown_.replay(canvas, {{part.x(), y}, {part.width(), part.height()}});
+    shown_.replay(canvas, part);
 }
 
 // After the window got the event, this widget may be cut off from its view, or its window closed.

@@ -39,7 +39,6 @@ public:
     port::ViewClient* client; // null once the peer is gone
 
 protected:
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override { mouse(*event); }
     void mouseDoubleClickEvent(QMouseEvent* event) override { mouse(*event); }

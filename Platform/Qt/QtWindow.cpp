@@ -1,3 +1,4 @@
+#include "QtDueWork.h"
 #include "QtWindow.h"
 
 #include <QApplication>
@@ -9,8 +10,6 @@
 namespace zr::qt {
 
 namespace {
-
-const auto kUpdateEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 QSize wholeSize(CGSize size) {
     const auto limited = [](double length) {
@@ -35,15 +34,10 @@ WindowWidget::~WindowWidget() {
 }
 
 void WindowWidget::scheduleUpdate() {
-    QCoreApplication::postEvent(this, new QEvent(kUpdateEvent), Qt::HighEventPriority);
-}
-
-bool WindowWidget::event(QEvent* event) {
-    if (event->type() == kUpdateEvent) {
-        if (client) client->peerUpdate();
-        return true;
-    }
-    return QWidget::event(event);
+    addDueWork(DueWork::update, this, [](QWidget* widget) {
+        auto* const owner = static_cast<WindowWidget*>(widget)->client;
+        if (owner) owner->peerUpdate();
+    });
 }
 
 // The client closes by letting go of its peer, and so of this widget.

@@ -1,9 +1,11 @@
 #include "QtCanvas.h"
+#include "QtDueWork.h"
 #include "QtTrackingLoop.h"
 #include "QtViews.h"
 #include "QtWindow.h"
 #include "QtWindowSystem.h"
 
+#include <QAbstractEventDispatcher>
 #include <QFontMetricsF>
 #include <QScreen>
 #include <QWindow>
@@ -54,6 +56,9 @@ std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments)
 QtWindowSystem::QtWindowSystem() {
     QApplication::setQuitOnLastWindowClosed(false);
     qApp->installEventFilter(this);
+    auto* const dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, doDueWork);
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, doDueWork);
 }
 
 QtWindowSystem::~QtWindowSystem() {

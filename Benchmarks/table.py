@@ -1,0 +1,80 @@
+"""Makes one table of what the benchmarks measured: ours beside a peer, in one run.
+
+    table.py BENCH_PROGRAM JSON_FILE
+
+Each figure is the best of its repetitions, which come in random order: the machine's clock wanders, so only what was
+measured side by side compares. An aim that is missed is marked; it does not make the run fail.
+"""
+
+import json
+import os
+import subprocess
+import sys
+
+KIT = ["BaseSliderView", "SplitSliderView", "ProgressSliderView"]
+
+
+def measure(program, ratio):
+    """The best figures of all benchmarks at that many device pixels for a point, by name."""
+    environment = dict(os.environ, QT_SCALE_FACTOR=str(ratio), LC_ALL="C.UTF-8")
+    result = subprocess.run(
+        [program, "--benchmark_repetitions=15", "--benchmark_enable_random_interleaving=true",
+         "--benchmark_format=json"],
+        env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, timeout=900)
+    if result.returncode != 0:
+        sys.exit(f"{program} failed:\n{result.stderr}")
+    best = {}
+    for run in json.loads(result.stdout)["benchmarks"]:
+        if run["run_type"] != "iteration":
+            continue
+        name = "/".join(run["name"].split("/")[:2])
+        for key, value in (("time", run["real_time"]), ("bytes", run.get("bytes")),
+                           ("allocations", run.get("allocations"))):
+            if value is not None:
+                best[name, key] = min(value, best.get((name, key), value))
+    return best
+
+
+def rows_at(ratio, best):
+    """Rows: name, ours, peer, what they are measured in, and the largest ratio that is aimed at (None: no aim)."""
+    at = f"ratio {ratio}"
+    rows = []
+    for what, text, unit, aim in (("repaint", "full repaint", "time", 1.0), ("drag", "drag step", "time", 0.5)):
+        for slider in KIT:
+            if (f"{what}/{slider}", unit) not in best:
+                continue  # the base class takes no events by itself
+            rows.append((f"{text}, {slider} / QSlider, {at}", best[f"{what}/{slider}", unit],
+                         best[f"{what}/QSlider", unit], "us", aim))
+        rows.append((f"{text}, empty widget / QSlider, {at}", best[f"{what}/empty widget", unit],
+                     best[f"{what}/QSlider", unit], "us", None))
+    for slider in KIT:
+        rows.append((f"memory, {slider} / QSlider, {at}", best[f"memory/{slider}", "bytes"],
+                     best["memory/QSlider", "bytes"], "bytes", 2.0))
+    for slider in KIT[1:]:
+        rows.append((f"allocations in a drag step, {slider}, {at}", best[f"drag/{slider}", "allocations"], None, "", 0))
+    return rows
+
+
+def main():
+    program, target = sys.argv[1:]
+    table = []
+    for ratio in (1, 2):
+        for name, ours, peer, unit, aim in rows_at(ratio, measure(program, ratio)):
+            quotient = ours / peer if peer else None
+            reached = None if aim is None else (ours if quotient is None else quotient) <= aim
+            table.append({"name": name, "ours": ours, "peer": peer, "unit": unit, "ratio": quotient, "aim": aim,
+                          "reached": reached})
+    with open(target, "w", encoding="utf-8") as file:
+        json.dump(table, file, indent=1)
+
+    width = max(len(row["name"]) for row in table)
+    number = lambda value, unit: "" if value is None else f"{value:.0f} {unit}" if unit == "bytes" else f"{value:.2f} {unit}"
+    print(f"{'name':{width}}  {'ours':>12}  {'peer':>12}  {'ratio':>6}  aim")
+    for row in table:
+        aim = "" if row["aim"] is None else f"<= {row['aim']:g}" + ("" if row["reached"] else "  missed")
+        ratio = "" if row["ratio"] is None else f"{row['ratio']:.2f}"
+        print(f"{row['name']:{width}}  {number(row['ours'], row['unit']):>12}  "
+              f"{number(row['peer'], row['unit']):>12}  {ratio:>6}  {aim}".rstrip())
+
+
+main()
