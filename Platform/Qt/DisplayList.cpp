@@ -110,9 +110,12 @@ bool DisplayList::same(const Operation& own, const DisplayList& next, const Oper
 bool DisplayList::addDifference(const Operation& a, const Operation& b, DamagedAreas& areas) {
     const auto areaA = area(a), areaB = area(b);
     if (!areaA || !areaB) return false;
+    // Of a short one, the ends are not painted apart from each other.
+    constexpr double kShort = 8;
     const auto isBar = [](const Operation& operation) {
         return operation.kind == Kind::fill && operation.shape != PathShape::oval &&
-               operation.bounds.size.width >= 0 && operation.bounds.size.height >= 0;
+               operation.bounds.size.width >= 2 * operation.xRadius + kShort &&
+               operation.bounds.size.height >= 0;
     };
     const CGRect &r = a.bounds, &s = b.bounds;
     if (!isBar(a) || !isBar(b) || a.shape != b.shape || a.compositing != b.compositing ||

@@ -84,7 +84,9 @@ QRegion ViewWidget::drawAgain() {
 void ViewWidget::paintEvent(QPaintEvent* event) {
     if (!client) return;
     if (drawingIsDue_ || !drawn_) {
+        const bool outer = std::exchange(drawsWithinPaint_, true);
         const QRegion elsewhere = drawAgain() - event->region();
+        drawsWithinPaint_ = outer;
         if (!client) return;
         if (!elsewhere.isEmpty()) update(elsewhere);
     }

@@ -33,6 +33,7 @@ public:
     ~ViewWidget() override;
 
     void place(const CGRect& frame);
+    static bool isDrawingWithinPaint() { return drawsWithinPaint_; }
     void invalidate(); // the view draws once, after the current event
 
     std::shared_ptr<WindowLink> link;
@@ -62,6 +63,7 @@ private:
     CGSize size_;
     bool drawn_ = false; // shown_ is what a drawing of this size gave
     bool drawingIsDue_ = false;
+    static inline bool drawsWithinPaint_ = false;
 };
 
 // Text on one line, which is shortened where it does not fit, or on several.
@@ -108,9 +110,11 @@ template <class Widget>
 void letGo(QPointer<Widget>& widget) {
     if (!widget) return;
     widget->client = nullptr;
+    widget->deleteLater();
+    // A view may leave in the middle of drawing itself, where Qt does not let its widgets be moved.
+    if (ViewWidget::isDrawingWithinPaint()) return;
     widget->hide();
     widget->setParent(nullptr);
-    widget->deleteLater();
 }
 
 // The shared body of all view peers.
