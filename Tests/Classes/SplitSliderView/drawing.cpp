@@ -113,10 +113,12 @@ TEST(SplitSliderViewDrawingAtTwice, TheSharperPicturesAreTaken) {
     const auto window =
         make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, test::kSliderFrame,
                        NSWindowStyleMaskTitled, NSBackingStoreBuffered, false);
-    window->setContentView(make<SplitSliderView>(test::kSliderFrame));
+    const auto slider = make<SplitSliderView>(test::kSliderFrame);
+    slider->setIdentifier("slider");
+    window->setContentView(slider);
     window->makeKeyAndOrderFront(nullptr);
     platform.display();
-    EXPECT_THAT(platform.windows().at(0)->drawing("SplitSliderView").at(2),
+    EXPECT_THAT(platform.windows().at(0)->drawing("slider").at(2),
                 testing::StartsWith("image SliderTrimLeft@2x.png in"));
 }
 
