@@ -3,12 +3,15 @@
 #include "TrimWindow.h"
 
 #include <AppKit/NSApplication.h>
+#include <Foundation/Dispatch.h>
 #include <ZRUIKitQt/Application.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 using namespace trimstudio;
@@ -52,9 +55,24 @@ public:
     }
 };
 
+// The end of a session, a closed terminal and Ctrl+C in it come as signals: the program quits as from its menu.
+// Must be called before there are threads, so that none of them gets the signals.
+void quitOnSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::thread([signals] {
+        for (int signal = 0; sigwait(&signals, &signal) == 0;)
+            zr::dispatch_async(zr::dispatch_get_main_queue(),
+                               [] { zr::NSApplication::sharedApplication().terminate(nullptr); });
+    }).detach();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    quitOnSignals();
     const zr::qt::Application qt(argc, argv);
     const Arguments arguments = readArguments(argc, argv);
     if (!arguments.valid) {
