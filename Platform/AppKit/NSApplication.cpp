@@ -73,7 +73,7 @@ void NSApplication::closeAllWindows() {
     terminating_ = true;
     while (!windows_.empty()) {
         const auto window = windows_.back();
-        window->close();
+        window->wentAway();
         std::erase(windows_, window);
     }
 }

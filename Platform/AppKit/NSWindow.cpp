@@ -31,7 +31,7 @@ struct NSWindow::Client final : port::WindowClient {
     }
     void peerClosed() override {
         const auto held = retained(&window);
-        window.close();
+        window.wasClosed();
     }
     void peerKeyChanged(bool key) override {
         const auto held = retained(&window);
@@ -44,7 +44,20 @@ struct NSWindow::Client final : port::WindowClient {
     void peerBlocked() override { window.cancelTracking(); }
     void peerGone() override {
         const auto held = retained(&window);
-        window.close();
+        window.wentAway();
+    }
+    void peerShown() override {
+        const auto held = retained(&window);
+        window.wasShown();
+    }
+    void peerHidden() override {
+        const auto held = retained(&window);
+        window.wasHidden();
+    }
+    void peerRetitled(const std::string& title) override { window.title_ = title; }
+    void peerFocusLeft() override {
+        const auto held = retained(&window);
+        window.focusLeft();
     }
 
     NSWindow& window;
@@ -61,6 +74,19 @@ bool NSWindow::initWithContentRect_styleMask_backing_defer(const NSRect& content
     return true;
 }
 
+bool NSWindow::initWithForeignPeer(const PeerMaker& makePeer, const std::shared_ptr<NSView>& content,
+                                   const NSSize& contentSize, const std::string& title) {
+    if (!installation()) return false;
+    foreign_ = true;
+    title_ = title;
+    contentSize_ = contentSize;
+    setContentView(content);
+    client_ = std::make_unique<Client>(*this);
+    peer_ = makePeer(*client_);
+    contentView_->realiseAsContent(installation()->windowSystem, *peer_);
+    return true;
+}
+
 void NSWindow::dealloc() {
     unrealise();
     if (contentView_) contentView_->moveToWindow(nullptr);
@@ -74,7 +100,7 @@ void NSWindow::setTitle(const std::string& title) {
 
 void NSWindow::setContentView(const std::shared_ptr<NSView>& view) {
     const auto old = contentView_;
-    if (view && view == old) return;
+    if ((view && view == old) || (foreign_ && old)) return;
     const auto next = view ? view : make<NSView>(NSRect{});
     next->removeFromSuperview();
     if (old) {
@@ -136,13 +162,18 @@ void NSWindow::unrealise() {
 }
 
 void NSWindow::show(bool activate) {
-    if (!installation()) return;
+    if (!installation() || (foreign_ && !peer_)) return;
+    wasShown();
+    if (!peer_) realise();
+    peer_->show(activate);
+}
+
+void NSWindow::wasShown() {
     NSApplication::sharedApplication().windowWasShown(*this);
     // Lay out first, realise late: no view is ever seen at a wrong place.
     contentView_->layoutSubtreeIfNeeded();
-    if (!peer_) realise();
+    open_ = true;
     visible_ = true;
-    peer_->show(activate);
 }
 
 void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
@@ -165,16 +196,35 @@ bool NSWindow::shouldClose() {
 }
 
 void NSWindow::close() {
-    if (closing_ || (!visible_ && !peer_)) return;
+    if (!foreign_)
+        wasClosed();
+    else if (peer_)
+        peer_->close();
+}
+
+void NSWindow::wasClosed() {
+    if (closing_ || !open_) return;
     const auto held = retained(this);
     closing_ = true;
     cancelTracking();
     if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
     visible_ = false;
     keyChanged(false);
-    unrealise();
+    if (!foreign_) unrealise();
+    open_ = false;
     closing_ = false;
     if (installation()) NSApplication::sharedApplication().windowWasClosed(*this);
+}
+
+void NSWindow::wasHidden() {
+    cancelTracking();
+    visible_ = false;
+    keyChanged(false);
+}
+
+void NSWindow::wentAway() {
+    wasClosed();
+    unrealise();
 }
 
 NSResponder* NSWindow::firstResponder() const {
@@ -204,6 +254,12 @@ void NSWindow::focusFirstResponder() {
 void NSWindow::peerFocused(NSView& view) {
     if (closing_ || firstResponder() == &view) return;
     if (!makeFirstResponder(&view)) focusFirstResponder();
+}
+
+// The focus is where its owner wants it: nothing is to be focused here, and nobody is asked.
+void NSWindow::focusLeft() {
+    if (const auto first = firstResponder_.lock()) first->resignFirstResponder();
+    firstResponder_.reset();
 }
 
 void NSWindow::viewWillLeave(NSView& view) {

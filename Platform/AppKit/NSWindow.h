@@ -3,6 +3,7 @@
 #include <AppKit/NSResponder.h>
 #include <Base/Geometry.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,8 +14,9 @@ class NSView;
 class NSWindow;
 
 namespace port {
+class WindowClient;
 class WindowPeer;
-}
+} // namespace port
 
 enum NSWindowStyleMask : unsigned {
     NSWindowStyleMaskTitled = 1,
@@ -90,6 +92,14 @@ public:
     NSRect convertRectToScreen(const NSRect& rect) const;
     double backingScaleFactor() const; // device pixels for a point
 
+protected:
+    // For a window that is somebody else's, and was there before: realised at once, for as long as the peer
+    // does not go. Its owner drives the frame of the content, which stays the same view; closing it is up to
+    // its owner, too. False while no window system is installed.
+    using PeerMaker = std::function<std::unique_ptr<port::WindowPeer>(port::WindowClient& client)>;
+    bool initWithForeignPeer(const PeerMaker& makePeer, const std::shared_ptr<NSView>& content,
+                             const NSSize& contentSize, const std::string& title);
+
 private:
     friend class NSView;
     friend class NSApplication;
@@ -103,6 +113,11 @@ private:
     void scheduleUpdate();
     void update();
     bool shouldClose();
+    void wasShown();
+    void wasHidden();
+    void wasClosed();
+    void wentAway();
+    void focusLeft();
     void keyChanged(bool key);
     void peerFocused(NSView& view);
     void viewWillLeave(NSView& view);
@@ -124,7 +139,9 @@ private:
     std::unique_ptr<Client> client_;
     std::unique_ptr<port::WindowPeer> peer_;
     unsigned styleMask_ = 0;
+    bool foreign_ = false;
     bool visible_ = false;
+    bool open_ = false; // shown, and not closed since
     bool closing_ = false;
     bool key_ = false;
     bool updateScheduled_ = false;

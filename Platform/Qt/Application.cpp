@@ -1,4 +1,5 @@
 #include "Application.h"
+#include "Hosting/Ending.h"
 #include "QtQueues.h"
 #include "QtWindowSystem.h"
 
@@ -23,6 +24,7 @@ Platform::Platform(Options options) : parts_(std::make_unique<Parts>()) {
 Platform::~Platform() {
     parts_->system.setClient(nullptr);
     port::uninstall();
+    endHosting();
     parts_->queues->finish();
     // Widgets that were let go of go now, while Qt is still there.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -30,7 +32,9 @@ Platform::~Platform() {
 }
 
 struct Application::Parts {
-    Parts(int& argc, char** argv, Options options) : qt(argc, argv), platform(std::move(options)) {}
+    Parts(int& argc, char** argv, Options options) : qt(argc, argv), platform(std::move(options)) {
+        QApplication::setQuitOnLastWindowClosed(false); // the application object decides
+    }
     QApplication qt;
     Platform platform;
 };

@@ -27,7 +27,13 @@ protected:
     void changeEvent(QEvent* event) override;
 };
 
-class WindowPeer final : public port::WindowPeer {
+// What any window peer of this adaptor does.
+struct MakesContent {
+    virtual ~MakesContent() = default;
+    virtual std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client) = 0;
+};
+
+class WindowPeer final : public port::WindowPeer, public MakesContent {
 public:
     WindowPeer(port::WindowClient& client, CGSize contentSize, bool resizable);
     ~WindowPeer() override;
@@ -42,7 +48,7 @@ public:
     CGPoint contentOriginOnScreen() const override;
     double backingScale() const override;
 
-    std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client);
+    std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client) override;
 
 private:
     QPointer<WindowWidget> widget_;

@@ -54,7 +54,6 @@ std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments)
 } // namespace
 
 QtWindowSystem::QtWindowSystem() {
-    QApplication::setQuitOnLastWindowClosed(false);
     qApp->installEventFilter(this);
     auto* const dispatcher = QAbstractEventDispatcher::instance();
     connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, doDueWork);
@@ -89,7 +88,7 @@ std::unique_ptr<port::WindowPeer> QtWindowSystem::makeWindow(port::WindowClient&
 
 std::unique_ptr<port::ViewPeer> QtWindowSystem::makeContentView(port::WindowPeer& window,
                                                                 port::ViewClient& client) {
-    return dynamic_cast<WindowPeer&>(window).makeContent(client);
+    return dynamic_cast<MakesContent&>(window).makeContent(client);
 }
 
 std::unique_ptr<port::ViewPeer> QtWindowSystem::makeView(port::ViewPeer& parent, port::ViewClient& client) {

@@ -74,6 +74,12 @@ public:
     virtual void
     peerBlocked() = 0; // by a modal dialog: no input comes any more, a release that is due included
     virtual void peerGone() = 0;
+
+    // Of a window that belongs to a host, what the host does by itself. It is closed with peerClosed.
+    virtual void peerShown() = 0;
+    virtual void peerHidden() = 0;
+    virtual void peerRetitled(const std::string& title) = 0;
+    virtual void peerFocusLeft() = 0; // the keyboard went to what is none of our views
 };
 
 class WindowPeer {
@@ -81,7 +87,7 @@ public:
     virtual ~WindowPeer() = default;
     virtual void show(bool activate) = 0;
     virtual void hide() = 0;
-    virtual void close() = 0; // without asking
+    virtual void close() = 0; // without asking the client; a host may decline
     virtual void setTitle(const std::string& title) = 0;
     virtual CGSize setContentSize(CGSize size) = 0; // answers what it became
     virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;

@@ -8,12 +8,15 @@
 #include <QApplication>
 #include <QImage>
 #include <QTest>
+#include <QTimer>
 #include <QWindow>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zr::test {
 
@@ -81,8 +84,27 @@ protected:
     }
     void release(NSPoint point) { QTest::mouseRelease(handle(), Qt::LeftButton, {}, toQt(point)); }
 
+    // A press that begins a modal drag does not return until that is over: what follows is posted before it,
+    // each step in an event of its own.
+    void then(std::function<void()> step) {
+        steps_.push_back(std::move(step));
+        if (steps_.size() == 1) scheduleStep();
+    }
+
     zr::qt::Platform platform_;
     std::shared_ptr<NSWindow> window_;
+
+private:
+    void scheduleStep() {
+        QTimer::singleShot(1, qApp, [this] {
+            const auto step = steps_.front();
+            steps_.erase(steps_.begin());
+            if (!steps_.empty()) scheduleStep();
+            step();
+        });
+    }
+
+    std::vector<std::function<void()>> steps_;
 };
 
 // A colour painted over another.

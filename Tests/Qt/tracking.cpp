@@ -1,37 +1,17 @@
+#include "DragRecorder.h"
 #include "QtTest.h"
 
-#include <Foundation/NSString.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/ProgressSliderView.h>
 
 #include <QDialog>
 #include <QLineEdit>
 #include <QShortcut>
-#include <QTimer>
 
 namespace zr {
 
+using test::DragRecorder;
 using testing::ElementsAre;
-
-namespace {
-
-class Recorder : public SliderViewDelegate {
-public:
-    void sliderView_beginDragAt(BaseSliderView&, double value) override {
-        log.push_back(stringWithFormat("begin %g", value));
-    }
-    void sliderView_didChangeValue(BaseSliderView&, double value) override {
-        log.push_back(stringWithFormat("change %g", value));
-        if (onChange) onChange();
-    }
-    void sliderView_endDragAt(BaseSliderView&, double value) override {
-        log.push_back(stringWithFormat("end %g", value));
-    }
-    std::function<void()> onChange;
-    std::vector<std::string> log;
-};
-
-} // namespace
 
 // A press does not return until the drag is over: what follows is posted before it.
 class QtTracking : public test::QtTest {
@@ -45,26 +25,12 @@ protected:
         show(root_, {220, 100});
     }
 
-    // Each step comes in an event of its own.
-    void then(std::function<void()> step) {
-        steps_.push_back(std::move(step));
-        if (steps_.size() == 1) scheduleStep();
-    }
-    void scheduleStep() {
-        QTimer::singleShot(1, qApp, [this] {
-            const auto step = steps_.front();
-            steps_.erase(steps_.begin());
-            if (!steps_.empty()) scheduleStep();
-            step();
-        });
-    }
     // At the value, on the track.
     static NSPoint at(double value) { return {10 + value / 5, 55}; }
 
-    std::shared_ptr<Recorder> recorder_ = std::make_shared<Recorder>();
+    std::shared_ptr<DragRecorder> recorder_ = std::make_shared<DragRecorder>();
     std::shared_ptr<NSView> root_;
     std::shared_ptr<ProgressSliderView> slider_;
-    std::vector<std::function<void()>> steps_;
 };
 
 TEST_F(QtTracking, ARealDragHappensInsideThePress) {

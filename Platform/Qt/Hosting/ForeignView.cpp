@@ -1,0 +1,61 @@
+#include "Follower.h"
+#include "ForeignView.h"
+
+#include <AppKit/NSWindow.h>
+
+namespace zr::qt {
+
+ForeignPeer::ForeignPeer(QWidget* widget, std::shared_ptr<WindowLink> windowLink) : widget_(widget) {
+    link = std::move(windowLink);
+}
+
+// The content of a window takes the keyboard from the kit's views, and never from the host.
+void ForeignPeer::focus() {
+    if (!widget_) return;
+    if (!widget_->isWindow()) {
+        widget_->setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    QWidget* const focused = widget_->focusWidget();
+    if (focused && isOfKit(focused)) focused->clearFocus();
+}
+
+void SlotView::resizeSubviewsWithOldSize(const NSSize&) {
+    const auto filling = subviews();
+    for (const auto& view : filling) view->setFrame(bounds());
+}
+
+namespace {
+QSizePolicy::Policy policy(bool flexible) { return flexible ? QSizePolicy::Expanding : QSizePolicy::Preferred; }
+} // namespace
+
+SlotWidget::SlotWidget(std::shared_ptr<NSView> view, QWidget* parent)
+    : QWidget(parent), view_(std::move(view)) {
+    const auto slot = make<SlotView>(&SlotView::initWithWidget, this);
+    if (view_) {
+        const NSSize size = view_->frame().size;
+        sizeHint_ = QSize(qRound(size.width), qRound(size.height));
+        resize(sizeHint_);
+        const unsigned mask = view_->autoresizingMask();
+        setSizePolicy(policy(mask & NSViewWidthSizable), policy(mask & NSViewHeightSizable));
+        slot->addSubview(view_);
+        view_->setFrameOrigin(NSZeroPoint);
+    }
+    new Follower(this, slot);
+}
+
+// The widgets of the view are let go of, rather than deleted with this: one of their events may be under way.
+SlotWidget::~SlotWidget() { delete Follower::of(this); }
+
+void SlotWidget::focusInEvent(QFocusEvent*) {
+    NSWindow* const window = view_ ? view_->window() : nullptr;
+    if (window && view_->acceptsFirstResponder()) window->makeFirstResponder(view_.get());
+}
+
+bool isOfKit(const QWidget* widget) {
+    while (!widget->isWindow() && (widget = widget->parentWidget()))
+        if (dynamic_cast<const SlotWidget*>(widget)) return true;
+    return false;
+}
+
+} // namespace zr::qt
