@@ -761,6 +761,30 @@ TEST_F(QtHostingFocus, AHostGivesTheKeyboardToTheViewThroughItsWidget) {
     EXPECT_THAT(view_->taken(), ElementsAre("key a"));
 }
 
+TEST_F(QtHostingFocus, TabStopsAtTheViewWhereItsWidgetSaysSo) {
+    auto* const last = new QLineEdit;
+    layout_->addWidget(last);
+    settle();
+    clickField();
+    type(Qt::Key_Tab);
+    EXPECT_TRUE(last->hasFocus());
+    slot_->setFocusPolicy(Qt::TabFocus);
+    clickField();
+    view_->taken();
+    type(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), view_.get());
+    type(Qt::Key_A);
+    EXPECT_THAT(view_->taken(), ElementsAre("become", "key a"));
+    type(Qt::Key_Tab);
+    EXPECT_TRUE(last->hasFocus());
+    EXPECT_EQ(window_->firstResponder(), window_.get());
+    type(Qt::Key_Backtab);
+    EXPECT_EQ(window_->firstResponder(), view_.get());
+    type(Qt::Key_Backtab);
+    EXPECT_TRUE(field_->hasFocus());
+    EXPECT_EQ(window_->firstResponder(), window_.get());
+}
+
 TEST_F(QtHostingFocus, TheKitCanGiveTheKeyboardToAHostsWidget) {
     clickView();
     const auto anchor = viewOf(field_);

@@ -47,9 +47,14 @@ SlotWidget::SlotWidget(std::shared_ptr<NSView> view, QWidget* parent)
 // The widgets of the view are let go of, rather than deleted with this: one of their events may be under way.
 SlotWidget::~SlotWidget() { delete Follower::of(this); }
 
-void SlotWidget::focusInEvent(QFocusEvent*) {
+void SlotWidget::focusInEvent(QFocusEvent* event) {
     NSWindow* const window = view_ ? view_->window() : nullptr;
-    if (window && view_->acceptsFirstResponder()) window->makeFirstResponder(view_.get());
+    if (!window || !view_->acceptsFirstResponder()) return;
+    // Backwards, this widget follows its own view.
+    if (event->reason() == Qt::BacktabFocusReason && window->firstResponder() == view_.get())
+        focusPreviousChild();
+    else
+        window->makeFirstResponder(view_.get());
 }
 
 bool isOfKit(const QWidget* widget) {
