@@ -210,8 +210,9 @@ TEST_F(QtHosting, AnEmbeddedViewFillsItsPlaceInTheLayout) {
     ASSERT_TRUE(widget("pad"));
     EXPECT_EQ(widget("pad")->geometry(), QRect(0, 0, 300, 160));
     host_->resize(420, 260);
-    settle();
     EXPECT_EQ(view->frame(), NSMakeRect(0, 0, 420, 220));
+    EXPECT_EQ(view->laidOutFor, NSMakeSize(420, 220)); // at once
+    settle();
     EXPECT_EQ(inWindow(view.get()), inWindow(slot));
     top->setFixedHeight(60);
     settle();
@@ -743,6 +744,7 @@ TEST_F(QtHostingFocus, TheKitMovesTheKeyboardByItself) {
     EXPECT_THAT(view_->taken(), ElementsAre("become", "key a"));
     EXPECT_TRUE(window_->makeFirstResponder(nullptr));
     EXPECT_EQ(window_->firstResponder(), window_.get());
+    EXPECT_FALSE(QApplication::focusWidget());
     view_->taken();
     type(Qt::Key_A);
     EXPECT_TRUE(view_->taken().empty());
@@ -808,6 +810,21 @@ TEST_F(QtHostingFocus, AnotherWindowInFrontLeavesTheFirstResponder) {
     view_->taken();
     type(Qt::Key_A);
     EXPECT_THAT(view_->taken(), ElementsAre("key a"));
+}
+
+TEST_F(QtHostingFocus, WhatTheHostFocusedInABackgroundWindowStaysSo) {
+    clickView();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    field_->setFocus();
+    slot_->hide(); // whereupon the view resigns
+    EXPECT_EQ(window_->firstResponder(), window_.get());
+    EXPECT_EQ(host_->focusWidget(), field_);
+    host_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(host_));
+    EXPECT_TRUE(field_->hasFocus());
 }
 
 TEST_F(QtHostingFocus, KeysThatTheViewPassesOnReachTheHost) {
@@ -1101,6 +1118,8 @@ TEST_F(QtHosting, AHostsWidgetIsAViewInItsPlace) {
     expectInPlace();
     above->setFixedHeight(77); // moves the parent alone
     settle();
+    expectInPlace();
+    box->move(3, 50); // and nothing else does
     expectInPlace();
     above->hide();
     settle();

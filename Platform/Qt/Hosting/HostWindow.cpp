@@ -170,7 +170,6 @@ void HostWindow::topLevelEvent(QEvent& event) {
     }
     switch (event.type()) {
     case QEvent::Show:
-        watchHandle();
         client->peerShown();
         break;
     case QEvent::WinIdChange:
