@@ -214,6 +214,8 @@ TEST_F(QtHosting, AnEmbeddedViewFillsItsPlaceInTheLayout) {
     EXPECT_EQ(view->laidOutFor, NSMakeSize(420, 220)); // at once
     settle();
     EXPECT_EQ(inWindow(view.get()), inWindow(slot));
+    slot->resize(77, 66);
+    EXPECT_EQ(view->laidOutFor, NSMakeSize(77, 66)); // nor does this wait
     top->setFixedHeight(60);
     settle();
     EXPECT_EQ(view->frame(), NSMakeRect(0, 0, 420, 200));
