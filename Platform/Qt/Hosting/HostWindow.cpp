@@ -2,6 +2,8 @@
 #include "ForeignView.h"
 #include "HostWindow.h"
 
+#include <ZRUIKitQt/QtDueWork.h>
+
 #include <QApplication>
 #include <QEvent>
 #include <QWindow>
@@ -11,8 +13,6 @@
 namespace zr::qt {
 
 namespace {
-
-const auto kUpdateEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 CGSize sizeOf(const QWidget& widget) { return {double(widget.width()), double(widget.height())}; }
 
@@ -145,13 +145,10 @@ void HostWindow::begin() {
 }
 
 void HostWindow::scheduleUpdate() {
-    QCoreApplication::postEvent(this, new QEvent(kUpdateEvent), Qt::HighEventPriority);
-}
-
-bool HostWindow::event(QEvent* event) {
-    if (event->type() != kUpdateEvent) return QObject::event(event);
-    if (client) client->peerUpdate();
-    return true;
+    addDueWork(DueWork::update, top_, [](QWidget* top) {
+        const auto* const host = find(top);
+        if (host && host->client) host->client->peerUpdate();
+    });
 }
 
 bool HostWindow::eventFilter(QObject* watched, QEvent* event) {

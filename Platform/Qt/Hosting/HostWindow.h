@@ -26,7 +26,6 @@ public:
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
     port::WindowClient* client = nullptr; // null once the peer is gone
 
-    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
