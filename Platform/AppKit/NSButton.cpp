@@ -49,6 +49,24 @@ void NSButton::performClick(NSObject*) {
     sendAction_to(action(), heldTarget.get());
 }
 
+void NSButton::setKeyEquivalent(const std::string& characters) {
+    keyEquivalent_ = characters;
+    if (button_) button_->setDefault(keyEquivalent_ == kReturnCharacter);
+}
+
+bool NSButton::performKeyEquivalent(const NSEvent& event) {
+    constexpr unsigned kShortcutFlags =
+        NSEventModifierFlagCommand | NSEventModifierFlagOption | NSEventModifierFlagControl;
+    // The Enter key of the number pad is as good as Return.
+    const bool enters = keyEquivalent_ == kReturnCharacter && event.keyCode() == kKeyCodeKeypadEnter;
+    if (keyEquivalent_.empty() || !isEnabled() || isHiddenOrHasHiddenAncestor() ||
+        (event.charactersIgnoringModifiers() != keyEquivalent_ && !enters) ||
+        (event.modifierFlags() & kShortcutFlags) != keyEquivalentModifierMask_)
+        return false;
+    performClick(nullptr);
+    return true;
+}
+
 void NSButton::sizeToFit() {
     if (button_) {
         setFrameSize(button_->naturalSize());
@@ -66,6 +84,7 @@ std::unique_ptr<port::ViewPeer> NSButton::makePeer(port::PeerFactory& factory, p
     button_ = peer.get();
     button_->setTitle(title_);
     button_->setEnabled(isEnabled());
+    button_->setDefault(keyEquivalent_ == kReturnCharacter);
     return peer;
 }
 

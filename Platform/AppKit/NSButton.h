@@ -24,6 +24,16 @@ public:
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
     void setEnabled(bool enabled) override;
+    // The key that presses the button wherever the keyboard is: "\r" makes it the default button. Empty for
+    // none.
+    const std::string& keyEquivalent() const { return keyEquivalent_; }
+    void setKeyEquivalent(const std::string& characters);
+    unsigned keyEquivalentModifierMask() const { return keyEquivalentModifierMask_; }
+    void setKeyEquivalentModifierMask(unsigned mask) { keyEquivalentModifierMask_ = mask; }
+    bool performKeyEquivalent(const NSEvent& event) override;
+    // Of the host's choice.
+    long tag() const { return tag_; }
+    void setTag(long tag) { tag_ = tag; }
     bool acceptsFirstResponder() const override { return isEnabled(); }
     // As if the user had clicked it; does nothing while the button is switched off. An action too:
     // "performClick:".
@@ -40,6 +50,9 @@ private:
     struct Client;
 
     std::string title_;
+    std::string keyEquivalent_;
+    unsigned keyEquivalentModifierMask_ = 0;
+    long tag_ = 0;
     std::unique_ptr<Client> buttonClient_;
     port::ButtonPeer* button_ = nullptr; // the peer, as what it is
 };

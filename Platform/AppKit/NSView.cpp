@@ -244,6 +244,14 @@ void NSView::layoutSubtreeIfNeeded() {
     for (const auto& subview : subviews) subview->layoutSubtreeIfNeeded();
 }
 
+bool NSView::performKeyEquivalent(const NSEvent& event) {
+    const auto held = retained(this);
+    const auto subviews = subviews_;
+    return std::ranges::any_of(subviews, [&](const auto& subview) {
+        return !subview->hidden_ && subview->performKeyEquivalent(event);
+    });
+}
+
 void NSView::setIdentifier(const std::string& identifier) {
     identifier_ = identifier;
     if (peer_) peer_->setName(identifier);

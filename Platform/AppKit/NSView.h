@@ -98,6 +98,16 @@ public:
     // The colours changed; the view is drawn again without asking for it.
     virtual void viewDidChangeEffectiveAppearance() {}
 
+    // Where Tab goes from here; by itself, the next view in the order of the subviews. Not retained.
+    NSView* nextKeyView() const { return nextKeyView_.lock().get(); }
+    void setNextKeyView(const std::shared_ptr<NSView>& view) { nextKeyView_ = view; }
+    // Visible, and wants the keyboard.
+    bool canBecomeKeyView() const {
+        return acceptsFirstResponder() && window_ && !isHiddenOrHasHiddenAncestor();
+    }
+    // Whether a view at or below this one acts on the key, whatever has the keyboard.
+    virtual bool performKeyEquivalent(const NSEvent& event);
+
     // A name for tests and accessibility; none by default.
     const std::string& identifier() const { return identifier_; }
     void setIdentifier(const std::string& identifier);
@@ -131,6 +141,7 @@ private:
     std::unique_ptr<Client> client_;
     std::unique_ptr<port::ViewPeer> peer_;
     std::string identifier_;
+    std::weak_ptr<NSView> nextKeyView_;
     unsigned autoresizingMask_ = NSViewNotSizable;
     bool hidden_ = false;
     bool needsDisplay_ = true;

@@ -2,6 +2,7 @@
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSScreen.h>
+#include <AppKit/NSTextField.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 
@@ -262,6 +263,70 @@ void NSWindow::focusLeft() {
     firstResponder_.reset();
 }
 
+void NSWindow::endEditingFor(NSObject*) {
+    if (auto* const field = dynamic_cast<NSTextField*>(firstResponder())) {
+        const auto held = retained(field);
+        firstResponder_.reset();
+        if (field->isEditable()) field->didEndEditing(NSOtherTextMovement);
+        focusFirstResponder();
+    }
+}
+
+void NSWindow::selectKeyView(NSView* from, bool backwards) {
+    std::vector<std::shared_ptr<NSView>> views;
+    const auto collect = [&](const auto& self, NSView& view) -> void {
+        if (view.canBecomeKeyView()) views.push_back(std::static_pointer_cast<NSView>(view.shared_from_this()));
+        for (const auto& subview : view.subviews()) self(self, *subview);
+    };
+    collect(collect, *contentView_);
+    if (views.empty()) return;
+    std::shared_ptr<NSView> next;
+    if (!backwards && from) {
+        // Along the links that were made, over views that cannot take the keyboard, once round at most.
+        auto* linked = from->nextKeyView();
+        for (std::size_t i = 0; linked && linked != from && !linked->canBecomeKeyView() && i < views.size() + 1;
+             ++i)
+            linked = linked->nextKeyView();
+        if (linked && linked->canBecomeKeyView())
+            next = std::static_pointer_cast<NSView>(linked->shared_from_this());
+    } else if (from) {
+        for (const auto& view : views)
+            if (view->nextKeyView() == from) next = view;
+    }
+    if (!next) {
+        const auto found = std::ranges::find_if(views, [&](const auto& view) { return view.get() == from; });
+        const auto count = views.size();
+        const auto index = static_cast<std::size_t>(found - views.begin());
+        if (found == views.end())
+            next = backwards ? views.back() : views.front();
+        else
+            next = views[backwards ? (index + count - 1) % count : (index + 1) % count];
+    }
+    if (next.get() != from) makeFirstResponder(next.get());
+}
+
+bool NSWindow::performKeyEquivalentOf(const char* characters) {
+    InputEvent event;
+    event.type = NSEventTypeKeyDown;
+    event.characters = event.charactersIgnoringModifiers = characters;
+    const auto content = contentView_;
+    return content->performKeyEquivalent(NSEvent(event, contentSize_.height));
+}
+
+void NSWindow::keyDown(const NSEvent& event) {
+    const auto held = retained(this);
+    const auto content = contentView_;
+    if (content->performKeyEquivalent(event)) return;
+    const bool plain = (event.modifierFlags() & (NSEventModifierFlagCommand | NSEventModifierFlagOption |
+                                                 NSEventModifierFlagControl)) == 0;
+    if (event.keyCode() == kKeyCodeTab && plain) {
+        selectKeyView(dynamic_cast<NSView*>(firstResponder()),
+                      (event.modifierFlags() & NSEventModifierFlagShift) != 0);
+        return;
+    }
+    NSResponder::keyDown(event);
+}
+
 void NSWindow::viewWillLeave(NSView& view) {
     auto* const first = dynamic_cast<NSView*>(firstResponder());
     if (first && first->isDescendantOf(view)) {
@@ -358,6 +423,10 @@ void NSWindow::sendEvent(const NSEvent& event) {
         if (const auto view = retained(viewAt(event.locationInWindow()))) view->scrollWheel(event);
         break;
     case NSEventTypeKeyDown:
+        if ((event.modifierFlags() & NSEventModifierFlagCommand) != 0) {
+            const auto content = contentView_;
+            if (content->performKeyEquivalent(event)) break;
+        }
         if (const auto first = retained(firstResponder())) first->keyDown(event);
         break;
     case NSEventTypeKeyUp:

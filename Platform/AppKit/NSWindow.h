@@ -78,7 +78,18 @@ public:
     NSResponder* firstResponder() const;
     bool makeFirstResponder(NSResponder* responder);
 
+    // Ends the editing of a field of this window without asking its delegate, and makes the window first
+    // responder.
+    void endEditingFor(NSObject* object);
+
+    // The next or previous view that takes the keyboard becomes first responder, where there is one: by the
+    // views' nextKeyView, else in the order of the subviews, round and round. Tab and Shift-Tab do that.
+    void selectKeyViewFollowingView(NSView* view) { selectKeyView(view, false); }
+    void selectKeyViewPrecedingView(NSView* view) { selectKeyView(view, true); }
+
     void sendEvent(const NSEvent& event);
+    // What no view took: key equivalents, then Tab.
+    void keyDown(const NSEvent& event) override;
     // Waits for the next event of a type in the mask, and takes it: for a view that follows the pointer from a
     // press to the release in one go. Timers, queues and drawing go on meanwhile; other events wait and are
     // delivered when the event that is being handled has been. Steps of a drag that come faster than they are
@@ -106,6 +117,9 @@ private:
     friend struct Installation;
     struct Client;
 
+    friend class NSTextField;
+    void selectKeyView(NSView* from, bool backwards);
+    bool performKeyEquivalentOf(const char* characters);
     void realise();
     void unrealise();
     void show(bool activate);

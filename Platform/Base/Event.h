@@ -57,6 +57,10 @@ enum KeyCode : std::uint16_t {
     kKeyCodeUnknown = 0xffff,
 };
 
+// Characters of keys that mean something by themselves.
+inline constexpr const char* kReturnCharacter = "\r";
+inline constexpr const char* kEscapeCharacter = "\x1b";
+
 // What the user did, as it travels between a window system and a window.
 struct InputEvent {
     NSEventType type = NSEventTypeMouseMoved;

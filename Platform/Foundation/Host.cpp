@@ -82,6 +82,7 @@ std::shared_ptr<HostState> makeState(Host host) {
         make<NSBundle>(&NSBundle::initWithPath, host.mainBundle ? *host.mainBundle : defaultMainBundle());
     state->kitBundle = make<NSBundle>(&NSBundle::initWithPath, kitBundlePath());
     state->preferredLanguages = host.preferredLanguages ? *host.preferredLanguages : environmentLanguages();
+    state->notificationCenter = make<NSNotificationCenter>();
     return state;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Foundation/NSBundle.h>
+#include <Foundation/NSNotification.h>
 #include <FoundationBackends/Host.h>
 
 #include <memory>
@@ -15,6 +16,7 @@ struct HostState {
     std::shared_ptr<NSBundle> mainBundle;
     std::shared_ptr<NSBundle> kitBundle;
     std::vector<std::string> preferredLanguages;
+    std::shared_ptr<NSNotificationCenter> notificationCenter;
 };
 
 // What is installed, or a state without queues made of the environment alone.

@@ -52,6 +52,13 @@ private:
     bool isLong_ = true;
 };
 
+// The number a text begins with, after white space; what follows is ignored. A point is the decimal sign in
+// every language. 0 where there is no number; infinity, or the nearest whole number, where it is too large.
+double doubleValue(std::string_view text);
+float floatValue(std::string_view text);
+std::int32_t intValue(std::string_view text);
+std::int64_t integerValue(std::string_view text);
+
 // Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%.
 // Length letters (l, ll, q, z, h) are skipped: arguments know their size. A conversion without an argument
 // stays as it is written. Numbers are never localised.

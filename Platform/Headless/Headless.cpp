@@ -64,6 +64,13 @@ public:
     std::string text;
     bool enabled = true;
     port::ButtonClient* button = nullptr;
+    // Of fields.
+    port::TextFieldClient* field = nullptr;
+    port::TextFieldLook look;
+    bool editable = false;
+    bool selectable = false;
+    bool allSelected = false;
+    bool isDefault = false;
 };
 
 class System final : public port::WindowSystem {
@@ -78,6 +85,8 @@ public:
                                                     port::ViewClient& client) override;
     std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
     std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::TextFieldPeer> makeTextField(port::ViewPeer& parent, port::ViewClient& client,
+                                                       port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
                                                  port::ButtonClient& button) override;
     Appearance appearance() const override { return ownAppearance.value_or(options.appearance); }
@@ -128,11 +137,13 @@ public:
     int drawCount(std::string_view viewName) const override { return named(viewName).drawCount; }
     std::optional<CGRect> frameInContent(std::string_view viewName) const override;
     std::string labelText(std::string_view viewName) const override { return named(viewName).text; }
+    std::vector<std::string> traits(std::string_view viewName) const override;
     std::vector<std::string> viewNames() const override;
 
     void display();
     void setContentSize(CGSize size);
     void focus(View* view);
+    bool typed(const InputEvent& event);
     View& named(std::string_view name) const;
 
     System& system;
@@ -215,12 +226,27 @@ struct LabelPeer final : PeerOf<port::LabelPeer> {
     void setAppearance(const FontDescription&, const Colour&, NSTextAlignment) override { view->dirty = true; }
 };
 
+struct TextFieldPeer final : PeerOf<port::TextFieldPeer> {
+    void setText(const std::string& text) override { view->text = text; }
+    void setLook(const port::TextFieldLook& look) override {
+        view->look = look;
+        view->dirty = true;
+    }
+    void setEditing(bool editable, bool selectable) override {
+        view->editable = editable;
+        view->selectable = selectable;
+    }
+    void setEnabled(bool enabled) override { view->enabled = enabled; }
+    void selectText() override { view->allSelected = true; }
+};
+
 constexpr double kButtonPaddingX = 32, kButtonPaddingY = 14;
 
 struct ButtonPeer final : PeerOf<port::ButtonPeer> {
     explicit ButtonPeer(port::Graphics& system) : graphics(system) {}
     void setTitle(const std::string& title) override { view->text = title; }
     void setEnabled(bool enabled) override { view->enabled = enabled; }
+    void setDefault(bool isDefault) override { view->isDefault = isDefault; }
     CGSize naturalSize() const override {
         const auto text = graphics.measure(view->text, {});
         return {text.width + kButtonPaddingX, text.ascent + text.descent + kButtonPaddingY};
@@ -301,6 +327,14 @@ bool Window::keyDown(std::uint16_t keyCode, const std::string& characters, std::
                  .characters = characters,
                  .charactersIgnoringModifiers = characters});
 }
+void Window::type(std::string_view text) {
+    while (!text.empty()) {
+        std::size_t length = 1;
+        while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
+        keyDown(kKeyCodeUnknown, std::string(text.substr(0, length)));
+        text.remove_prefix(length);
+    }
+}
 bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::uint32_t modifierFlags) {
     return send({.type = NSEventTypeKeyUp,
                  .modifierFlags = modifierFlags,
@@ -326,11 +360,55 @@ bool WindowImplementation::send(InputEvent event) {
     } else if (focused && focused->button && event.type == NSEventTypeKeyDown &&
                event.keyCode == kKeyCodeSpace) {
         if (focused->enabled) focused->button->peerPressed();
+    } else if (event.type == NSEventTypeLeftMouseDown && hit && hit->field) {
+        if (hit->enabled && hit->selectable) focus(hit);
+        if (focused == hit) hit->allSelected = false; // the caret goes to where the press was
+    } else if (focused && focused->field && event.type == NSEventTypeKeyDown && typed(event)) {
+        // The field had it.
     } else {
         taken = client->peerEvent(event);
     }
     platform.display(); // this window may be gone by now
     return taken;
+}
+
+// A key for the field that has the keyboard. False when it is for somebody else.
+bool WindowImplementation::typed(const InputEvent& event) {
+    constexpr auto kShortcutFlags =
+        NSEventModifierFlagCommand | NSEventModifierFlagOption | NSEventModifierFlagControl;
+    View& view = *focused;
+    auto& field = *view.field;
+    switch (event.keyCode) {
+    case kKeyCodeReturn:
+    case kKeyCodeKeypadEnter:
+        field.peerReturn();
+        return true;
+    case kKeyCodeTab:
+        field.peerTab((event.modifierFlags & NSEventModifierFlagShift) != 0);
+        return true;
+    case kKeyCodeEscape:
+        return field.peerEscape();
+    default:
+        break;
+    }
+    if ((event.modifierFlags & kShortcutFlags) != 0) return false;
+    if (!view.editable) return true;
+    std::string text = std::exchange(view.allSelected, false) ? std::string() : view.text;
+    if (event.keyCode == kKeyCodeDelete) {
+        // The last character goes, with all its bytes; or what was selected has gone already.
+        const bool selected = text.empty() && !view.text.empty();
+        while (!selected && !text.empty()) {
+            const auto byte = static_cast<unsigned char>(text.back());
+            text.pop_back();
+            if ((byte & 0xC0) != 0x80) break;
+        }
+    } else {
+        text += event.characters;
+    }
+    if (text == view.text) return true;
+    view.text = text;
+    field.peerTextEdited(text);
+    return true;
 }
 
 void WindowImplementation::resizeByUser(CGSize size) {
@@ -378,6 +456,23 @@ std::optional<CGRect> WindowImplementation::frameInContent(std::string_view view
     const View& view = named(viewName);
     if (!view.isShown()) return std::nullopt;
     return CGRect{view.originInContent(), view.frame.size};
+}
+
+std::vector<std::string> WindowImplementation::traits(std::string_view viewName) const {
+    const View& view = named(viewName);
+    const std::array<std::pair<bool, const char*>, 7> all = {{
+        {view.editable, "editable"},
+        {view.selectable, "selectable"},
+        {view.field && view.look.bezeled, "bezel"},
+        {view.field && view.look.drawsBackground, "background"},
+        {view.field && view.look.showsFocus, "ring"},
+        {view.allSelected, "all selected"},
+        {view.isDefault, "default"},
+    }};
+    std::vector<std::string> names;
+    for (const auto& [holds, name] : all)
+        if (holds) names.emplace_back(name);
+    return names;
 }
 
 std::vector<std::string> WindowImplementation::viewNames() const {
@@ -450,6 +545,13 @@ std::unique_ptr<port::ViewPeer> System::makeView(port::ViewPeer& parent, port::V
 
 std::unique_ptr<port::LabelPeer> System::makeLabel(port::ViewPeer& parent, port::ViewClient& client) {
     return attach(std::make_unique<LabelPeer>(), parent, client);
+}
+
+std::unique_ptr<port::TextFieldPeer> System::makeTextField(port::ViewPeer& parent, port::ViewClient& client,
+                                                           port::TextFieldClient& field) {
+    auto peer = attach(std::make_unique<TextFieldPeer>(), parent, client);
+    peer->view->field = &field;
+    return peer;
 }
 
 std::unique_ptr<port::ButtonPeer> System::makeButton(port::ViewPeer& parent, port::ViewClient& client,

@@ -34,6 +34,8 @@ public:
     bool mouseUp(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
     bool scrollWheel(CGPoint point, double deltaX, double deltaY);
     bool keyDown(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
+    // A key down for each character, to whoever has the keyboard.
+    void type(std::string_view text);
     bool keyUp(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
     virtual bool send(InputEvent eventInWindowCoordinates) = 0;
     virtual void resizeByUser(CGSize contentSize) = 0;  // within the limits
@@ -49,7 +51,10 @@ public:
     virtual const std::vector<std::string>& drawing(std::string_view viewName) const = 0;
     virtual int drawCount(std::string_view viewName) const = 0;
     virtual std::optional<CGRect> frameInContent(std::string_view viewName) const = 0;
-    virtual std::string labelText(std::string_view viewName) const = 0;
+    virtual std::string labelText(std::string_view viewName) const = 0; // or of a field or button
+    // Of a field: "editable", "selectable", "bezel", "background", "ring", "all selected"; of a button
+    // "default".
+    virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
     virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
 };
 

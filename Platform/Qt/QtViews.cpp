@@ -7,6 +7,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QStyleOptionFrame>
 
 namespace zr::qt {
 
@@ -172,6 +173,89 @@ void LabelWidget::paintEvent(QPaintEvent*) {
     style()->drawItemText(&painter, rect(), flags, palette(), isEnabled(), shown, QPalette::WindowText);
 }
 
+// TextFieldWidget
+
+TextFieldWidget::TextFieldWidget(QWidget* parent, port::ViewClient& viewClient,
+                                 port::TextFieldClient& fieldClient)
+    : QLineEdit(parent), client(&viewClient), field(&fieldClient) {
+    // Not textChanged, which the program's own changes send, too.
+    QObject::connect(this, &QLineEdit::textEdited, this, [this](const QString& text) {
+        if (client) field->peerTextEdited(text.toStdString());
+    });
+}
+
+TextFieldWidget::~TextFieldWidget() { tellGone(client); }
+
+void TextFieldWidget::setLook(const port::TextFieldLook& look) {
+    look_ = look;
+    setFont(fontFor(look.font));
+    const auto horizontal = look.alignment == NSTextAlignmentRight    ? Qt::AlignRight
+                            : look.alignment == NSTextAlignmentCenter ? Qt::AlignHCenter
+                                                                      : Qt::AlignLeft;
+    setAlignment(horizontal | Qt::AlignVCenter);
+    // What is read only looks like text on its background.
+    setFrame(look.bezeled && look.drawsBackground);
+    applyColours();
+    update();
+}
+
+void TextFieldWidget::applyColours() {
+    const Appearance appearance = appearanceOf(QApplication::palette());
+    const QColor text = colourFor(look_.colour, appearance);
+    const QColor base =
+        look_.drawsBackground ? colourFor(look_.background, appearance) : QColor(Qt::transparent);
+    if (palette().color(QPalette::Text) == text && palette().color(QPalette::Base) == base) return;
+    QPalette own;
+    own.setColor(QPalette::Active, QPalette::Text, text);
+    own.setColor(QPalette::Inactive, QPalette::Text, text);
+    own.setColor(QPalette::Base, base);
+    setPalette(own);
+}
+
+void TextFieldWidget::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) applyColours();
+    QLineEdit::changeEvent(event);
+}
+
+void TextFieldWidget::initStyleOption(QStyleOptionFrame* option) const {
+    QLineEdit::initStyleOption(option);
+    if (!look_.showsFocus) option->state &= ~QStyle::State_HasFocus;
+}
+
+// What the field does may take the widget with it.
+void TextFieldWidget::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        event->accept();
+        if (client) field->peerReturn();
+        return;
+    case Qt::Key_Escape:
+        event->ignore();
+        if (client && field->peerEscape()) event->accept();
+        return;
+    default:
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+bool TextFieldWidget::focusNextPrevChild(bool next) {
+    if (client) field->peerTab(!next);
+    return true;
+}
+
+void TextFieldWidget::focusInEvent(QFocusEvent* event) {
+    const QPointer<TextFieldWidget> self = this;
+    QLineEdit::focusInEvent(event);
+    if (self && client) client->peerFocusChanged(true);
+}
+
+void TextFieldWidget::focusOutEvent(QFocusEvent* event) {
+    const QPointer<TextFieldWidget> self = this;
+    QLineEdit::focusOutEvent(event);
+    if (self && client) client->peerFocusChanged(false);
+}
+
 // ButtonWidget
 
 ButtonWidget::ButtonWidget(QWidget* parent, port::ViewClient& viewClient, port::ButtonClient& buttonClient)
@@ -217,6 +301,33 @@ void ButtonPeer::setTitle(const std::string& title) {
     if (!widget_) return;
     // An ampersand is a character of the title, not the mark of a shortcut.
     widget_->setText(QString::fromStdString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+}
+
+void TextFieldPeer::setText(const std::string& text) {
+    if (widget_) widget_->setText(QString::fromStdString(text));
+}
+
+void TextFieldPeer::setLook(const port::TextFieldLook& look) {
+    if (widget_) widget_->setLook(look);
+}
+
+void TextFieldPeer::setEditing(bool editable, bool selectable) {
+    if (!widget_) return;
+    widget_->setReadOnly(!editable);
+    widget_->setFocusPolicy(selectable ? Qt::StrongFocus : Qt::NoFocus);
+    widget_->setAttribute(Qt::WA_TransparentForMouseEvents, !selectable);
+}
+
+void TextFieldPeer::setEnabled(bool enabled) {
+    if (widget_) widget_->setEnabled(enabled);
+}
+
+void TextFieldPeer::selectText() {
+    if (widget_) widget_->selectAll();
+}
+
+void ButtonPeer::setDefault(bool isDefault) {
+    if (widget_) widget_->setDefault(isDefault);
 }
 
 void ButtonPeer::setEnabled(bool enabled) {

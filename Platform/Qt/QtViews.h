@@ -6,6 +6,7 @@
 
 #include <QInputEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QRegion>
@@ -97,6 +98,29 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 };
 
+// Text on one line that the user edits.
+class TextFieldWidget final : public QLineEdit {
+public:
+    TextFieldWidget(QWidget* parent, port::ViewClient& viewClient, port::TextFieldClient& fieldClient);
+    ~TextFieldWidget() override;
+    void setLook(const port::TextFieldLook& look);
+
+    port::ViewClient* client;
+    port::TextFieldClient* field;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void initStyleOption(QStyleOptionFrame* option) const override;
+
+private:
+    void applyColours();
+    port::TextFieldLook look_;
+};
+
 // The way from any view peer of this adaptor to its widget.
 struct HasWidget {
     virtual ~HasWidget() = default;
@@ -175,11 +199,22 @@ public:
     void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) override;
 };
 
+class TextFieldPeer final : public PeerOf<port::TextFieldPeer, TextFieldWidget> {
+public:
+    using PeerOf::PeerOf;
+    void setText(const std::string& text) override;
+    void setLook(const port::TextFieldLook& look) override;
+    void setEditing(bool editable, bool selectable) override;
+    void setEnabled(bool enabled) override;
+    void selectText() override;
+};
+
 class ButtonPeer final : public PeerOf<port::ButtonPeer, ButtonWidget> {
 public:
     using PeerOf::PeerOf;
     void setTitle(const std::string& title) override;
     void setEnabled(bool enabled) override;
+    void setDefault(bool isDefault) override;
     CGSize naturalSize() const override;
 };
 

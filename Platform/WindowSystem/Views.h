@@ -46,6 +46,36 @@ public:
                                NSTextAlignment alignment) = 0;
 };
 
+struct TextFieldLook {
+    FontDescription font{};
+    Colour colour{};
+    NSTextAlignment alignment = NSTextAlignmentLeft;
+    Colour background{};
+    bool drawsBackground = true;
+    bool bezeled = true;
+    bool showsFocus = true; // by a ring or the like
+    bool operator==(const TextFieldLook&) const = default;
+};
+
+// What the user does in a field. The peer has changed its text already.
+class TextFieldClient {
+public:
+    virtual ~TextFieldClient() = default;
+    virtual void peerTextEdited(const std::string& text) = 0;
+    virtual void peerReturn() = 0;
+    virtual bool peerEscape() = 0; // false: the key is for somebody else
+    virtual void peerTab(bool backwards) = 0;
+};
+
+class TextFieldPeer : public virtual ViewPeer {
+public:
+    virtual void setText(const std::string& text) = 0;
+    virtual void setLook(const TextFieldLook& look) = 0;
+    virtual void setEditing(bool editable, bool selectable) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+    virtual void selectText() = 0; // all of it
+};
+
 class ButtonClient {
 public:
     virtual ~ButtonClient() = default;
@@ -56,6 +86,7 @@ class ButtonPeer : public virtual ViewPeer {
 public:
     virtual void setTitle(const std::string& title) = 0;
     virtual void setEnabled(bool enabled) = 0;
+    virtual void setDefault(bool isDefault) = 0; // the look of the button that Return presses
     virtual CGSize naturalSize() const = 0;
 };
 

@@ -31,6 +31,8 @@ public:
     virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
     virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;
     virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
+    virtual std::unique_ptr<TextFieldPeer> makeTextField(ViewPeer& parent, ViewClient& client,
+                                                         TextFieldClient& field) = 0;
     virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,
                                                    ButtonClient& button) = 0;
 };
