@@ -1,4 +1,4 @@
-"""A private X server with a window manager, a real pointer in it, and TrimStudio driven from outside."""
+"""A private X server with a window manager, Wayland inside it, a real pointer, and TrimStudio driven from outside."""
 
 import contextlib
 import json
@@ -11,7 +11,8 @@ import tempfile
 import threading
 import time
 
-DEADLINE = 30 * float(os.environ.get("ZR_SLOW", "1"))  # seconds, for anything that is waited for
+# Seconds, for anything that is waited for. ZR_SLOW says how many times slower than usual the program is.
+DEADLINE = 30 * float(os.environ.get("ZR_SLOW", "1"))
 SANITIZERS_REPORT = re.compile(r"ERROR: \w+Sanitizer|(?:WARNING|FATAL): ThreadSanitizer|LeakSanitizer|runtime error:")
 
 
@@ -113,6 +114,68 @@ class Desktop(contextlib.ExitStack):
 
     def ask_to_close(self, window):
         self.run("wmctrl", "-i", "-c", hex(int(window)))
+
+
+class WaylandDesktop(Desktop):
+    """A Wayland compositor that fills the X server's screen, and so has its pointer, its keys and its coordinates."""
+
+    BACKGROUND = 0xb5  # its green, which is all it has
+    SETTINGS = f"""
+[core]
+idle-time=0
+[shell]
+background-color=0xff00{BACKGROUND:x}00
+panel-position=none
+locking=false
+animation=none
+startup-animation=none
+close-animation=none
+[input-method]
+path=
+"""
+
+    def _start(self):
+        super()._start()
+        settings = pathlib.Path(self.runtime, "weston.ini")
+        settings.write_text(self.SETTINGS)
+        width, height = self.size
+        self.start(["weston", "--backend=x11-backend.so", "--use-pixman", "--fullscreen", f"--width={width}", f"--height={height}",
+                    "--socket=zruikit", f"--config={settings}"],
+                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.environment.update(WAYLAND_DISPLAY="zruikit", QT_QPA_PLATFORM="wayland")
+        wait_until("the compositor", lambda: max(self._covered()[1]) < self.size[0] / 2)
+        # The compositor moves its pointer as far as the X server's moves: from this corner on they agree.
+        self.move(0, 0)
+
+    def _covered(self):
+        """How much is not background, in each column and in each row of the screen."""
+        width, height = self.size
+        picture = subprocess.run(["import", "-window", "root", "-depth", "8", "rgb:-"], env=self.environment, check=True,
+                                 timeout=DEADLINE, capture_output=True).stdout
+        green = picture[1::3]
+        return ([height - green[x::width].count(self.BACKGROUND) for x in range(width)],
+                [width - green[y * width:(y + 1) * width].count(self.BACKGROUND) for y in range(height)])
+
+    def find(self, process, rect):
+        """Wayland tells nobody where a window is. The frame is as wide below the content as beside it; above it is the title."""
+        width, height = round(rect[2]), round(rect[3])
+        columns, rows = self._covered()
+        across = [x for x, covered in enumerate(columns) if covered > height / 2]
+        down = [y for y, covered in enumerate(rows) if covered > width / 2]
+        if not across or not down:
+            return None
+        side = (across[-1] + 1 - across[0] - width) // 2
+        title = down[-1] + 1 - down[0] - height - side
+        if side < 0 or title <= side:
+            return None
+        x, y = across[0] + side, down[0] + title
+        close_button = x + width - title / 2, y - title / 2
+        return close_button, (x - rect[0], y - rect[1])
+
+    def ask_to_close(self, window):
+        self.move(*window)
+        self.press()
+        self.release()
 
 
 class TrimStudio:

@@ -13,7 +13,7 @@ import sys
 import tempfile
 import unittest
 
-from desktop import DEADLINE, SANITIZERS_REPORT, Desktop, TrimStudio, media_length, wait_until
+from desktop import DEADLINE, SANITIZERS_REPORT, Desktop, TrimStudio, WaylandDesktop, media_length, wait_until
 
 PROGRAM = os.environ.get("TRIMSTUDIO", "")
 RECORDING = "/usr/share/sounds/freedesktop/stereo/alarm-clock-elapsed.oga"
@@ -367,6 +367,10 @@ class Ending(Endings, TrimmingTest):
 
     def test_closing_in_the_middle_of_a_drag_of_a_handle(self):
         self.close_in(self.drag_a_handle)
+
+
+class Wayland(DragsOfTheHandles, DragsOfThePosition, Endings, TrimmingTest):
+    make_desktop = WaylandDesktop
 
 
 class Formats(TrimmingTest):
