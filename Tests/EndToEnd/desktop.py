@@ -1,8 +1,9 @@
-"""A private X server with a window manager, a real pointer in it, and TrimStudio driven from outside."""
+"""A private X server with a window manager, Wayland inside it, a real pointer, and TrimStudio driven from outside."""
 
 import contextlib
 import json
 import os
+import pathlib
 import queue
 import re
 import subprocess
@@ -10,7 +11,9 @@ import tempfile
 import threading
 import time
 
-DEADLINE = 30  # seconds, for anything that is waited for
+# Seconds, for anything that is waited for. ZR_SLOW says how many times slower than usual the program is.
+DEADLINE = 30 * float(os.environ.get("ZR_SLOW", "1"))
+SANITIZERS_REPORT = re.compile(r"ERROR: \w+Sanitizer|(?:WARNING|FATAL): ThreadSanitizer|LeakSanitizer|runtime error:")
 
 
 class Timeout(Exception):
@@ -29,51 +32,56 @@ def wait_until(what, condition, deadline=DEADLINE):
         time.sleep(0.01)
 
 
-class Desktop(contextlib.AbstractContextManager):
+class Desktop(contextlib.ExitStack):
     """Everything it starts it ends, by process id."""
 
     def __init__(self, width=1280, height=800):
-        self.processes = []
-        self.runtime = tempfile.TemporaryDirectory(prefix="zruikit-runtime-")
+        super().__init__()
+        self.size = width, height
         try:
-            self._start(width, height)
+            self._start()
         except BaseException:
-            self.__exit__()
+            self.close()
             raise
 
-    def _start(self, width, height):
+    def start(self, command, **options):
+        process = subprocess.Popen(command, **options)
+        self.callback(self._end, process)
+        return process
+
+    def _start(self):
+        self.runtime = self.enter_context(tempfile.TemporaryDirectory(prefix="zruikit-runtime-"))
         read_end, write_end = os.pipe()
         # Without -noreset the server would throw out its clients whenever the last one but them leaves.
-        server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp", "-noreset"],
-            pass_fds=[write_end], stderr=subprocess.DEVNULL)
+        self.start(["Xvfb", "-displayfd", str(write_end), "-screen", "0", "{}x{}x24".format(*self.size), "-nolisten", "tcp",
+                    "-noreset"], pass_fds=[write_end], stderr=subprocess.DEVNULL)
         os.close(write_end)
-        self.processes.append(server)
         with os.fdopen(read_end) as pipe:
             number = pipe.readline().strip()
         if not number:
             raise RuntimeError("the X server did not start")
         self.environment = {key: value for key, value in os.environ.items()
                             if key not in ("WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "LANGUAGE")}
-        self.environment.update(DISPLAY=f":{number}", XDG_RUNTIME_DIR=self.runtime.name, QT_QPA_PLATFORM="xcb",
+        self.environment.update(DISPLAY=f":{number}", XDG_RUNTIME_DIR=self.runtime, QT_QPA_PLATFORM="xcb",
                                 LC_ALL="C.UTF-8", QT_STYLE_OVERRIDE="fusion")
-        self.processes.append(subprocess.Popen(["openbox", "--sm-disable"], env=self.environment,
-                                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
-        wait_until("the window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+        # It announces itself long before it manages windows, and a window that comes in between may never be shown.
+        ready = pathlib.Path(self.runtime, "window-manager-runs")
+        self.start(["openbox", "--sm-disable", "--startup", f"touch {ready}"], env=self.environment, stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL)
+        wait_until("the window manager", ready.exists)
 
-    def __exit__(self, *_):
-        for process in reversed(self.processes):
-            if process.poll() is None:
-                process.terminate()
-                try:
-                    process.wait(10)
-                except subprocess.TimeoutExpired:
-                    process.kill()
-                    process.wait()
-            for stream in (process.stdout, process.stderr):
-                if stream:
-                    stream.close()
-        self.runtime.cleanup()
+    @staticmethod
+    def _end(process):
+        if process.poll() is None:
+            process.terminate()
+            try:
+                process.wait(10)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+        for stream in (process.stdout, process.stderr):
+            if stream:
+                stream.close()
 
     def run(self, *command):
         return subprocess.run(command, env=self.environment, text=True, capture_output=True, timeout=DEADLINE).stdout
@@ -94,6 +102,81 @@ class Desktop(contextlib.AbstractContextManager):
     def screenshot(self, path):
         subprocess.run(["import", "-window", "root", path], env=self.environment, check=True, timeout=DEADLINE)
 
+    def find(self, process, rect):
+        """The window whose content is described as standing there, and how far from there it stands; nothing if there is none."""
+        for window in self.run("xdotool", "search", "--onlyvisible", "--pid", str(process.pid)).split():
+            info = self.run("xwininfo", "-id", window)
+            numbers = [int(n) for n in re.findall(r"(?:Absolute upper-left [XY]|Width|Height):\s+(-?\d+)", info)]
+            # At twice the scale a window that stands on an odd pixel is known to Qt to the nearest even one.
+            if len(numbers) == 4 and all(abs(a - b) <= 1 for a, b in zip(numbers, rect)):
+                return window, (0, 0)
+        return None
+
+    def ask_to_close(self, window):
+        self.run("wmctrl", "-i", "-c", hex(int(window)))
+
+
+class WaylandDesktop(Desktop):
+    """A Wayland compositor that fills the X server's screen, and so has its pointer, its keys and its coordinates."""
+
+    BACKGROUND = 0xb5  # its green, which is all it has
+    SETTINGS = f"""
+[core]
+idle-time=0
+[shell]
+background-color=0xff00{BACKGROUND:x}00
+panel-position=none
+locking=false
+animation=none
+startup-animation=none
+close-animation=none
+[input-method]
+path=
+"""
+
+    def _start(self):
+        super()._start()
+        settings = pathlib.Path(self.runtime, "weston.ini")
+        settings.write_text(self.SETTINGS)
+        width, height = self.size
+        self.start(["weston", "--backend=x11-backend.so", "--use-pixman", "--fullscreen", f"--width={width}", f"--height={height}",
+                    "--socket=zruikit", f"--config={settings}"],
+                   env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.environment.update(WAYLAND_DISPLAY="zruikit", QT_QPA_PLATFORM="wayland")
+        wait_until("the compositor", lambda: max(self._covered()[1]) < self.size[0] / 2)
+        # The compositor moves its pointer as far as the X server's moves: from this corner on they agree.
+        self.move(0, 0)
+
+    def _covered(self):
+        """How much is not background, in each column and in each row of the screen."""
+        width, height = self.size
+        picture = subprocess.run(["import", "-window", "root", "-depth", "8", "rgb:-"], env=self.environment, check=True,
+                                 timeout=DEADLINE, capture_output=True).stdout
+        green = picture[1::3]
+        return ([height - green[x::width].count(self.BACKGROUND) for x in range(width)],
+                [width - green[y * width:(y + 1) * width].count(self.BACKGROUND) for y in range(height)])
+
+    def find(self, process, rect):
+        """Wayland tells nobody where a window is. The frame is as wide below the content as beside it; above it is the title."""
+        width, height = round(rect[2]), round(rect[3])
+        columns, rows = self._covered()
+        across = [x for x, covered in enumerate(columns) if covered > height / 2]
+        down = [y for y, covered in enumerate(rows) if covered > width / 2]
+        if not across or not down:
+            return None
+        side = (across[-1] + 1 - across[0] - width) // 2
+        title = down[-1] + 1 - down[0] - height - side
+        if side < 0 or title <= side:
+            return None
+        x, y = across[0] + side, down[0] + title
+        close_button = x + width - title / 2, y - title / 2
+        return close_button, (x - rect[0], y - rect[1])
+
+    def ask_to_close(self, window):
+        self.move(*window)
+        self.press()
+        self.release()
+
 
 class TrimStudio:
     """A running TrimStudio, and what it describes of itself."""
@@ -102,15 +185,17 @@ class TrimStudio:
         self.desktop = desktop
         self.lines = queue.Queue()
         self.last = None
+        self.described = None
         self.window = None
-        self.process = subprocess.Popen([*wrapper, program, "--describe", *arguments], text=True,
-                                        env={**desktop.environment, **(environment or {})},
-                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        desktop.processes.append(self.process)
+        self.offset = (0, 0)
+        self.process = desktop.start([*wrapper, program, "--describe", *arguments], text=True,
+                                     env={**desktop.environment, **(environment or {})},
+                                     stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self.errors = []
         self.readers = [threading.Thread(target=self._read), threading.Thread(target=self._read_errors)]
         for reader in self.readers:
             reader.start()
+        desktop.callback(self._finish)
 
     def _read(self):
         for line in self.process.stdout:
@@ -126,44 +211,53 @@ class TrimStudio:
             reader.join(DEADLINE)
         return status
 
+    def _finish(self):
+        if self.process.poll() is None:
+            self.process.terminate()
+        self.ended()
+        errors = "".join(self.errors)
+        if SANITIZERS_REPORT.search(errors):
+            raise AssertionError(errors)
+
     def _newest(self):
         with contextlib.suppress(queue.Empty):
             while True:
-                self.last = self.lines.get_nowait()
+                self.described = self.lines.get_nowait()
+        return self._placed()
+
+    def _placed(self):
+        """The newest description, its rectangles moved to where the window stands on the screen."""
+        if not self.described:
+            return None
+
+        def placed(value):
+            return [value[0] + self.offset[0], value[1] + self.offset[1], *value[2:]] if isinstance(value, list) else value
+        views = {name: {key: placed(value) for key, value in view.items()} for name, view in self.described["views"].items()}
+        self.last = {**self.described, "views": views}
         return self.last
 
     def wait(self, what, condition):
         """The newest description, once the condition holds for it."""
         def check():
             newest = self._newest()
-            return newest if newest and condition(newest) else None
+            return self._placed() if newest and condition(newest) else None
         try:
             return wait_until(what, check)
         except Timeout as timeout:
             raise Timeout(f"{timeout}; last: {self.last}; errors: {''.join(self.errors)}") from None
 
     def wait_until_ready(self):
-        """The file is open, and the window stands where the description says."""
-        def settled(description):
-            views = description["views"]
-            return "splitSlider" in views and self._stands(views["window"]["rect"])
-        return self.wait("the opened file", settled)
+        """The file is open, and the window has been found."""
+        return self.wait("the opened file", lambda d: "splitSlider" in d["views"] and self._stands())
 
     def wait_for_message(self):
-        return self.wait("a message", lambda d: d["message"] and d["message"] != "Opening…" and
-                         self._stands(d["views"]["window"]["rect"]))
+        return self.wait("a message", lambda d: d["message"] and d["message"] != "Opening…" and self._stands())
 
-    def _stands(self, rect):
-        """Whether the X server has the window's content where the description has it."""
-        ids = self.desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid)).split()
-        for window in ids:
-            info = self.desktop.run("xwininfo", "-id", window)
-            numbers = [int(n) for n in re.findall(r"(?:Absolute upper-left [XY]|Width|Height):\s+(-?\d+)", info)]
-            # At twice the scale a window that stands on an odd pixel is known to Qt to the nearest even one.
-            if len(numbers) == 4 and all(abs(a - b) <= 1 for a, b in zip(numbers, rect)):
-                self.window = window
-                return True
-        return False
+    def _stands(self):
+        found = self.desktop.find(self.process, self.described["views"]["window"]["rect"])
+        if found:
+            self.window, self.offset = found
+        return found is not None
 
     def slider(self):
         return self._newest()["views"]["splitSlider"]
@@ -186,8 +280,8 @@ class TrimStudio:
         self.desktop.release()
 
     def close(self):
-        """Asks the window to close as a window manager does; answers the program's exit status."""
-        self.desktop.run("wmctrl", "-i", "-c", hex(int(self.window)))
+        """Asks the window to close as a user does; answers the program's exit status."""
+        self.desktop.ask_to_close(self.window)
         return self.ended()
 
 

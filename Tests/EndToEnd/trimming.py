@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """TrimStudio in a real window, driven by a real pointer; what it writes is read by ffprobe. Argument: the program."""
 
+import contextlib
+import ctypes
 import hashlib
 import os
 import pathlib
@@ -11,15 +13,21 @@ import sys
 import tempfile
 import unittest
 
-from desktop import DEADLINE, Desktop, TrimStudio, media_length
+from desktop import DEADLINE, SANITIZERS_REPORT, Desktop, TrimStudio, WaylandDesktop, media_length, wait_until
 
 PROGRAM = os.environ.get("TRIMSTUDIO", "")
 RECORDING = "/usr/share/sounds/freedesktop/stereo/alarm-clock-elapsed.oga"
 WITHOUT_ROOTS_POWERS = ("setpriv", "--bounding-set", "-dac_override,-dac_read_search", "--inh-caps", "-all")
 
 SOUND = ["-f", "lavfi", "-i", "sine=frequency=440:duration=8:sample_rate=44100"]
+LONG_SOUND = ["-f", "lavfi", "-i", "sine=frequency=440:duration=60:sample_rate=44100"]
 PICTURES = ["-f", "lavfi", "-i", "testsrc=size=160x120:rate=25:duration=8"]
 VIDEO = [*PICTURES, *SOUND, "-c:v", "libx264", "-g", "50", "-bf", "2", "-pix_fmt", "yuv420p", "-c:a", "aac", "-shortest"]
+SILENT_VIDEO = [*PICTURES, "-c:v", "libx264", "-pix_fmt", "yuv420p"]
+
+# From the headers of the system, which Python does not have.
+PTRACE_DETACH, PTRACE_SEIZE, PTRACE_INTERRUPT = 17, 0x4206, 0x4207
+WAIT_FOR_A_THREAD = 0x40000000
 
 # How the file is made, and the longest packet in seconds.
 FORMATS = {
@@ -39,10 +47,37 @@ def digest(path):
     return hashlib.sha256(pathlib.Path(path).read_bytes()).hexdigest()
 
 
+@contextlib.contextmanager
+def background_work_held(process):
+    """What the program begins in the background meanwhile waits until the end of this."""
+    tasks = pathlib.Path(f"/proc/{process.pid}/task")
+    pooled = [task for task in tasks.iterdir() if (task / "comm").read_text() == "Thread (pooled)\n"]
+    wait_until("idle threads", lambda: pooled and all("State:\tS" in (task / "status").read_text() for task in pooled))
+    threads = [int(task.name) for task in pooled]
+    libc = ctypes.CDLL(None, use_errno=True)
+
+    def ptrace(request, thread):
+        if libc.ptrace(request, thread, None, None) != 0:
+            raise OSError(ctypes.get_errno(), "ptrace")
+    held = []
+    try:
+        for thread in threads:
+            ptrace(PTRACE_SEIZE, thread)
+            held.append(thread)
+            ptrace(PTRACE_INTERRUPT, thread)
+            os.waitpid(thread, WAIT_FOR_A_THREAD)
+        yield
+    finally:
+        for thread in held:
+            ptrace(PTRACE_DETACH, thread)
+
+
 class TrimmingTest(unittest.TestCase):
+    make_desktop = Desktop
+
     def setUp(self):
-        self.desktop = Desktop()
-        self.addCleanup(self.desktop.__exit__)
+        self.desktop = self.make_desktop()
+        self.addCleanup(self.desktop.close)
         folder = tempfile.TemporaryDirectory(prefix="zruikit-media-")
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
@@ -61,11 +96,39 @@ class TrimmingTest(unittest.TestCase):
         studio.click("saveButton")
         return studio.wait("the saved file", lambda d: d["saved"] and d["saved"] != before)
 
+    def open(self, name="take.wav", words=SOUND):
+        """TrimStudio with a file of this kind, and the measures of its position's track."""
+        studio = self.start(self.make(name, words))
+        self.duration = studio.wait_until_ready()["duration"]
+        slider = studio.last["views"]["progressSlider"]
+        self.x, y, self.width, height = slider["track"]
+        self.y = y + height / 2
+        self.second = self.width / self.duration  # in pixels
+        return studio
+
+    def at(self, seconds):
+        return self.x + seconds * self.second
+
+    def wait_for_position(self, studio, seconds):
+        return studio.wait(f"the position {seconds}", lambda d: abs(
+            d["views"]["progressSlider"]["value"] - seconds) <= 1.01 / self.second)
+
+    def wait_for_value(self, studio, least):
+        return studio.wait(f"the position beyond {least}", lambda d: d["views"]["progressSlider"]["value"] > least)
+
+    @staticmethod
+    def value(studio):
+        return studio.last["views"]["progressSlider"]["value"]
+
+    def press(self, seconds, beside=0):
+        self.desktop.move(self.at(seconds), self.y - beside)
+        self.desktop.press()
+
     def assert_nothing_left_over(self, *names):
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), sorted(names))
 
 
-class Handles(TrimmingTest):
+class DragsOfTheHandles:
     def test_both_handles_follow_a_real_pointer_and_the_file_agrees(self):
         source = self.folder / "take.oga"
         shutil.copy(RECORDING, source)
@@ -111,6 +174,8 @@ class Handles(TrimmingTest):
                     abs(d["views"]["splitSlider"]["length"] - 0.005) < 1e-9)
         self.assertEqual(studio.close(), 0)
 
+
+class Handles(DragsOfTheHandles, TrimmingTest):
     def test_the_handles_move_with_the_window(self):
         source = self.make("long.wav", SOUND)
         studio = self.start(source)
@@ -146,28 +211,7 @@ class Handles(TrimmingTest):
         self.assert_nothing_left_over("take.flac", "take-trimmed.flac", "take-trimmed 2.flac", "take-trimmed 3.flac")
 
 
-class Playing(TrimmingTest):
-    def open(self):
-        source = self.make("take.wav", SOUND)
-        studio = self.start(source)
-        self.duration = studio.wait_until_ready()["duration"]
-        slider = studio.last["views"]["progressSlider"]
-        self.x, y, self.width, height = slider["track"]
-        self.y = y + height / 2
-        self.second = self.width / self.duration  # in pixels
-        return studio
-
-    def at(self, seconds):
-        return self.x + seconds * self.second
-
-    def wait_for_position(self, studio, seconds):
-        return studio.wait(f"the position {seconds}", lambda d: abs(
-            d["views"]["progressSlider"]["value"] - seconds) <= 1.01 / self.second)
-
-    def press(self, seconds):
-        self.desktop.move(self.at(seconds), self.y)
-        self.desktop.press()
-
+class DragsOfThePosition:
     def test_a_press_seeks_and_a_drag_scrubs_also_beyond_the_window(self):
         studio = self.open()
         self.press(5)
@@ -185,6 +229,37 @@ class Playing(TrimmingTest):
         self.wait_for_position(studio, 3)
         self.assertEqual(studio.close(), 0)
 
+    def test_a_key_typed_in_the_middle_of_a_drag_acts_after_it(self):
+        studio = self.open(words=LONG_SOUND)
+        self.press(20)
+        self.wait_for_position(studio, 20)
+        self.desktop.pointer("key", "space")
+        self.desktop.move(self.at(40), self.y)
+        self.wait_for_position(studio, 40)
+        self.desktop.move(self.at(10), self.y)
+        self.wait_for_position(studio, 10)
+        self.desktop.release()
+        self.wait_for_value(studio, 10.5)
+
+        # Held beside the track, the position is not sought: it goes on playing, whatever is typed.
+        self.press(50, beside=9)
+        self.desktop.pointer("key", "space")
+        self.wait_for_value(studio, self.value(studio) + 1)
+        self.desktop.release()
+        stopped = self.value_after_a_drag_of_the_right_handle(studio, 0.98)
+        self.assertLess(stopped, 50)
+        self.assertEqual(self.value_after_a_drag_of_the_right_handle(studio, 0.96), stopped)
+        self.assertEqual(studio.close(), 0)
+
+    def value_after_a_drag_of_the_right_handle(self, studio, fraction):
+        before = studio.slider()["length"]
+        track = studio.slider()["track"]
+        studio.drag("rightHandle", track[0] + track[2] * fraction + 12, steps=20)
+        studio.wait("the right end", lambda d: d["views"]["splitSlider"]["length"] < before)
+        return self.value(studio)
+
+
+class Playing(DragsOfThePosition, TrimmingTest):
     def test_space_plays_inside_the_clip_and_stops(self):
         studio = self.open()
         track = studio.slider()["track"]
@@ -194,9 +269,11 @@ class Playing(TrimmingTest):
         played = studio.wait("playing", lambda d: d["views"]["progressSlider"]["value"] > start + 0.2)
         self.assertLess(played["views"]["progressSlider"]["value"], self.duration)
         self.desktop.pointer("key", "space")
-        self.press(1)  # stays there, as nothing plays
+        self.press(1)
         self.desktop.release()
         self.wait_for_position(studio, 1)
+        sought = self.value(studio)
+        self.assertEqual(self.value_after_a_drag_of_the_right_handle(studio, 0.9), sought)  # as nothing plays
         self.assertEqual(studio.close(), 0)
 
     def test_the_part_before_and_the_part_after_the_position_are_kept(self):
@@ -220,13 +297,80 @@ class Playing(TrimmingTest):
         self.assertAlmostEqual(media_length(self.save(studio)["saved"]), clip["length"], delta=0.001)
         self.assertEqual(studio.close(), 0)
 
-    def test_closing_in_the_middle_of_a_drag_ends_the_program_cleanly(self):
-        studio = self.open()
+
+class Endings:
+    def drag_nothing(self, studio):
+        pass
+
+    def drag_the_position(self, studio):
         self.press(5)
+        self.wait_for_position(studio, 5)
         self.desktop.move(self.at(2), self.y)
         self.wait_for_position(studio, 2)
-        self.assertEqual(studio.close(), 0)
-        self.assertEqual("".join(studio.errors), "")
+
+    def drag_a_handle(self, studio):
+        x, y, width, height = studio.slider()["leftHandle"]
+        self.desktop.move(x + width / 2, y + height / 3)
+        self.desktop.press()
+        self.desktop.move(self.at(3), y + height / 3)
+        studio.wait("the left end", lambda d: d["views"]["splitSlider"]["start"] > 2.5)
+
+    def assert_clean(self, status, studio, *files):
+        self.desktop.release()
+        self.assertEqual((status, "".join(studio.errors)), (0, ""))
+        self.assert_nothing_left_over(*files)
+
+    def quit_in(self, drag):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            with self.subTest(number.name):
+                studio = self.open()
+                drag(studio)
+                studio.process.send_signal(number)
+                self.assert_clean(studio.ended(), studio, "take.wav")
+
+    def test_quitting(self):
+        self.quit_in(self.drag_nothing)
+
+    def test_quitting_in_the_middle_of_a_drag_of_the_position(self):
+        self.quit_in(self.drag_the_position)
+
+    def test_quitting_in_the_middle_of_a_drag_of_a_handle(self):
+        self.quit_in(self.drag_a_handle)
+
+    def close_when_saved_in(self, drag):
+        """A window that was asked to close while it saves closes when that is done, whatever the pointer does then."""
+        studio = self.open("take.mp4", SILENT_VIDEO)
+        with background_work_held(studio.process):
+            studio.click("saveButton")
+            studio.wait("saving", lambda d: d["message"] == "Saving…")
+            self.desktop.ask_to_close(studio.window)
+            drag(studio)
+            self.assertEqual(studio.last["message"], "Saving…")
+        self.assert_clean(studio.ended(), studio, "take.mp4", "take-trimmed.mp4")
+        self.assertAlmostEqual(media_length(self.folder / "take-trimmed.mp4"), self.duration, delta=0.045)
+
+    def test_closing_when_saved_in_the_middle_of_a_drag_of_the_position(self):
+        self.close_when_saved_in(self.drag_the_position)
+
+    def test_closing_when_saved_in_the_middle_of_a_drag_of_a_handle(self):
+        self.close_when_saved_in(self.drag_a_handle)
+
+
+class Ending(Endings, TrimmingTest):
+    def close_in(self, drag):
+        studio = self.open()
+        drag(studio)
+        self.assert_clean(studio.close(), studio, "take.wav")
+
+    def test_closing_in_the_middle_of_a_drag_of_the_position(self):
+        self.close_in(self.drag_the_position)
+
+    def test_closing_in_the_middle_of_a_drag_of_a_handle(self):
+        self.close_in(self.drag_a_handle)
+
+
+class Wayland(DragsOfTheHandles, DragsOfThePosition, Endings, TrimmingTest):
+    make_desktop = WaylandDesktop
 
 
 class Formats(TrimmingTest):
@@ -331,6 +475,7 @@ class BadInput(TrimmingTest):
         result = subprocess.run([PROGRAM], env=self.desktop.environment, text=True, capture_output=True, timeout=DEADLINE)
         self.assertEqual(result.returncode, 2)
         self.assertIn("Usage:", result.stderr)
+        self.assertNotRegex(result.stderr, SANITIZERS_REPORT)
 
 
 if __name__ == "__main__":
