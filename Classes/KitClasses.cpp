@@ -1,3 +1,4 @@
+#include <AppKit/NSAlert.h>
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSButton.h>
 #include <AppKit/NSControl.h>
@@ -9,8 +10,10 @@
 #include <Foundation/NSBundle.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/ProgressSliderView.h>
+#include <ZRUIKit/SWTimeEditView.h>
 #include <ZRUIKit/SliderSelectionItem.h>
 #include <ZRUIKit/SplitSliderView.h>
+#include <ZRUIKit/ZRAlert.h>
 
 #include <array>
 
@@ -18,20 +21,12 @@ namespace zr {
 
 std::span<const ClassTable* const> kitClassTables() {
     static const std::array tables = {
-        &NSObject::classTable(),
-        &NSBundle::classTable(),
-        &NSResponder::classTable(),
-        &NSApplication::classTable(),
-        &NSImage::classTable(),
-        &NSView::classTable(),
-        &NSControl::classTable(),
-        &NSButton::classTable(),
-        &NSTextField::classTable(),
-        &NSWindow::classTable(),
-        &SliderSelectionItem::classTable(),
-        &BaseSliderView::classTable(),
-        &SplitSliderView::classTable(),
-        &ProgressSliderView::classTable(),
+        &NSObject::classTable(),       &NSBundle::classTable(),        &NSResponder::classTable(),
+        &NSAlert::classTable(),        &NSApplication::classTable(),   &NSImage::classTable(),
+        &NSView::classTable(),         &NSControl::classTable(),       &NSButton::classTable(),
+        &NSTextField::classTable(),    &NSWindow::classTable(),        &SliderSelectionItem::classTable(),
+        &BaseSliderView::classTable(), &SplitSliderView::classTable(), &ProgressSliderView::classTable(),
+        &SWTimeEditView::classTable(), &ZRAlertAction::classTable(),   &ZRAlert::classTable(),
     };
     return tables;
 }

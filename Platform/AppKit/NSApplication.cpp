@@ -32,6 +32,7 @@ void NSApplication::terminate(NSObject*) {
     terminating_ = true;
     if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate(*this);
     wakeTracking();
+    wakeModal();
     installation()->windowSystem.stop();
 }
 
@@ -63,6 +64,7 @@ void NSApplication::windowWasShown(NSWindow& window) {
 
 void NSApplication::windowWasClosed(NSWindow& window) {
     const auto held = retained(&window);
+    wakeModal();
     if (std::erase(windows_, held) == 0 || !windows_.empty() || terminating_) return;
     const auto delegate = delegate_.lock();
     if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed(*this).value_or(false))
@@ -140,6 +142,55 @@ std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask ma
             if (held->eventsInHand_ == 0 && held->tracking_ && held->tracking_->pulls == 0) held->endTracking();
         });
     return event;
+}
+
+int NSApplication::runModalForWindow(NSWindow& window) {
+    const auto held = retained(this);
+    const auto heldWindow = retained(&window);
+    if (terminating_) return NSModalResponseAbort;
+    // A view that follows the pointer does not get its release any more.
+    const auto windows = windows_;
+    for (const auto& each : windows) each->pressesEnd();
+    // What is being handled now rests until the session has ended: input within it is handled at once.
+    auto tracking = std::exchange(tracking_, nullptr);
+    const int eventsInHand = std::exchange(eventsInHand_, 0);
+    const bool deliversLeftOver = std::exchange(deliversLeftOver_, false);
+    if (tracking) tracking->loop->holdBack(false);
+
+    const auto modal = std::make_shared<Modal>();
+    modal->window = heldWindow;
+    modal->loop = installation()->windowSystem.beginTracking();
+    modal->loop->holdBack(false);
+    modals_.push_back(modal);
+    window.showModal();
+    while (!modal->code && !terminating_ && window.isVisible() && modal->loop->wait()) {
+    }
+    std::erase(modals_, modal);
+
+    if (installation()) {
+        tracking_ = std::move(tracking);
+        eventsInHand_ = eventsInHand;
+        deliversLeftOver_ = deliversLeftOver;
+        if (tracking_) {
+            tracking_->loop->holdBack(true);
+            wakeTracking();
+        }
+    }
+    return modal->code.value_or(NSModalResponseAbort);
+}
+
+void NSApplication::stopModalWithCode(int code) {
+    // Those that have been stopped already are on their way out.
+    for (auto modal = modals_.rbegin(); modal != modals_.rend(); ++modal) {
+        if ((*modal)->code) continue;
+        (*modal)->code = code;
+        break;
+    }
+    wakeModal();
+}
+
+void NSApplication::wakeModal() {
+    for (const auto& modal : modals_) modal->loop->wake();
 }
 
 void NSApplication::wakeTracking() {

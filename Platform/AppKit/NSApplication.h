@@ -17,6 +17,8 @@ namespace port {
 class TrackingLoop;
 }
 
+enum NSModalResponse : int { NSModalResponseStop = -1000, NSModalResponseAbort = -1001 };
+
 class NSApplicationDelegate {
 public:
     virtual ~NSApplicationDelegate() = default;
@@ -46,6 +48,14 @@ public:
     // Nothing: follow the desktop. Views are redrawn and told at once.
     void setAppearance(std::optional<Appearance> appearance);
     Appearance effectiveAppearance() const;
+
+    // Shows the window, in front of all others, which get no input, until one of the next three: answers the
+    // code then given. Timers and queues go on. Sessions nest and end in reverse order. NSModalResponseAbort
+    // when the window closes or the application ends meanwhile.
+    int runModalForWindow(NSWindow& window);
+    void stopModalWithCode(int code);
+    void stopModal() { stopModalWithCode(NSModalResponseStop); }
+    void abortModal() { stopModalWithCode(NSModalResponseAbort); }
 
     // Windows that were shown and not closed, in the order in which they were first shown.
     std::vector<std::shared_ptr<NSWindow>> windows() const { return windows_; }
@@ -77,11 +87,18 @@ private:
     std::optional<NSEvent> nextEvent(NSWindow& window, NSEventMask mask);
     std::optional<NSEvent> takeEvent(NSEventMask mask);
     void wakeTracking();
+    void wakeModal();
     void endTracking();
 
     std::weak_ptr<NSApplicationDelegate> delegate_;
     std::vector<std::shared_ptr<NSWindow>> windows_;
     std::unique_ptr<Tracking> tracking_;
+    struct Modal {
+        std::weak_ptr<NSWindow> window;
+        std::unique_ptr<port::TrackingLoop> loop;
+        std::optional<int> code;
+    };
+    std::vector<std::shared_ptr<Modal>> modals_; // the innermost last
     std::deque<Waiting>
         leftOver_; // events of a pull that has ended; a pull that begins meanwhile takes them first
     bool deliversLeftOver_ = false;

@@ -192,7 +192,7 @@ void NSTextField::tabbed(bool backwards) {
 std::unique_ptr<port::ViewPeer> NSTextField::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                       port::ViewClient& client) {
     if (isLabel_) {
-        auto peer = factory.makeLabel(parent, client);
+        auto peer = scrolls_ ? factory.makeScrollingText(parent, client) : factory.makeLabel(parent, client);
         label_ = peer.get();
         tellPeer();
         label_->setWraps(wraps_);

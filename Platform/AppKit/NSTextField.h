@@ -98,6 +98,9 @@ public:
     void setEnabled(bool enabled) override;
     // The user has changed the text, and the editing has not ended.
     bool isEditing() const { return editing_; }
+    // Of a label of several lines: what does not fit can be scrolled to, with the wheel, a bar and the keys. To
+    // be set before the label is shown.
+    void setScrolls(bool scrolls) { scrolls_ = scrolls; }
     void selectText(NSObject* sender); // all of it; an action too: "selectText:"
     void sizeToFit() override;         // the text's size, whole points, and 4 points of width for the padding
 
@@ -137,6 +140,7 @@ private:
     NSTextMovement movement_ = NSOtherTextMovement; // of the end that is under way
     bool isLabel_ = false;
     bool wraps_ = false;
+    bool scrolls_ = false;
     bool editable_ = true;
     bool selectable_ = true;
     bool drawsBackground_ = true;

@@ -169,6 +169,19 @@ void NSWindow::show(bool activate) {
     peer_->show(activate);
 }
 
+void NSWindow::showModal() {
+    if (!installation()) return;
+    wasShown();
+    if (!peer_) realise();
+    peer_->showModal();
+}
+
+void NSWindow::pressesEnd() {
+    if (!leftPressed_.expired()) pressWasEnded_ = true;
+    for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) pressed->reset();
+    cancelTracking();
+}
+
 void NSWindow::wasShown() {
     NSApplication::sharedApplication().windowWasShown(*this);
     // Lay out first, realise late: no view is ever seen at a wrong place.
@@ -347,7 +360,7 @@ void NSWindow::cancelTracking() {
 }
 
 std::optional<NSEvent> NSWindow::nextEventMatchingMask(NSEventMask mask) {
-    if (!installation()) return std::nullopt;
+    if (!installation() || pressWasEnded_) return std::nullopt;
     return NSApplication::sharedApplication().nextEvent(*this, mask);
 }
 
@@ -390,7 +403,10 @@ MouseMessage mouseMessage(NSEventType type) {
 // A press goes to the view under the pointer, and what follows to the same view.
 void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) {
     const auto [phase, message] = mouseMessage(event.type());
-    if (phase == Phase::press) pressed = retained(viewAt(event.locationInWindow()));
+    if (phase == Phase::press) {
+        pressed = retained(viewAt(event.locationInWindow()));
+        pressWasEnded_ = false;
+    }
     const auto view = pressed.lock();
     if (phase == Phase::release) pressed.reset();
     if (!view) return;

@@ -127,6 +127,8 @@ private:
     void scheduleUpdate();
     void update();
     bool shouldClose();
+    void showModal();
+    void pressesEnd();
     void wasShown();
     void wasHidden();
     void wasClosed();
@@ -158,6 +160,7 @@ private:
     bool open_ = false; // shown, and not closed since
     bool closing_ = false;
     bool key_ = false;
+    bool pressWasEnded_ = false; // by something else than the release
     bool updateScheduled_ = false;
     unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up
 };

@@ -71,6 +71,7 @@ public:
     bool selectable = false;
     bool allSelected = false;
     bool isDefault = false;
+    bool scrolls = false;
 };
 
 class System final : public port::WindowSystem {
@@ -85,6 +86,8 @@ public:
                                                     port::ViewClient& client) override;
     std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
     std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::LabelPeer> makeScrollingText(port::ViewPeer& parent,
+                                                       port::ViewClient& client) override;
     std::unique_ptr<port::TextFieldPeer> makeTextField(port::ViewPeer& parent, port::ViewClient& client,
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
@@ -111,6 +114,7 @@ public:
     std::deque<std::function<void()>> script;
     bool starved = false;
     bool stopped = false;
+    int modalWindows = 0;
 };
 
 class WindowImplementation final : public Window {
@@ -140,6 +144,7 @@ public:
     std::vector<std::string> traits(std::string_view viewName) const override;
     std::vector<std::string> viewNames() const override;
 
+    bool isBlocked() const; // by a modal window
     void display();
     void setContentSize(CGSize size);
     void focus(View* view);
@@ -157,6 +162,7 @@ public:
     bool visible = false;
     bool key = false;
     bool updateScheduled = false;
+    int modal = 0; // 0: not; else counts up with each
     View* root = nullptr;
     View* focused = nullptr;
     View* pressedButton = nullptr;
@@ -265,8 +271,13 @@ struct WindowPeer final : port::WindowPeer {
         window->visible = true;
         if (activate) window->setKey(true);
     }
+    void showModal() override {
+        window->modal = ++window->system.modalWindows;
+        show(true);
+    }
     void hide() override {
         window->visible = false;
+        window->modal = 0;
         window->setKey(false);
     }
     void close() override { window->client->peerClosed(); }
@@ -343,7 +354,13 @@ bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::ui
                  .charactersIgnoringModifiers = characters});
 }
 
+bool WindowImplementation::isBlocked() const {
+    return std::ranges::any_of(system.windows,
+                               [this](const auto* other) { return other->visible && other->modal > modal; });
+}
+
 bool WindowImplementation::send(InputEvent event) {
+    if (isBlocked()) return false;
     auto& platform = system;
     event.location.y = contentSize_.height - event.location.y;
     event.timestamp = static_cast<double>(platform.queues->now()) / kNanoseconds;
@@ -435,7 +452,7 @@ void WindowImplementation::moveByUser(CGPoint contentOrigin) {
 
 bool WindowImplementation::closeByUser() {
     auto& platform = system;
-    if (!client->peerShouldClose()) return false;
+    if (isBlocked() || !client->peerShouldClose()) return false;
     client->peerClosed();
     platform.display();
     return true;
@@ -460,7 +477,7 @@ std::optional<CGRect> WindowImplementation::frameInContent(std::string_view view
 
 std::vector<std::string> WindowImplementation::traits(std::string_view viewName) const {
     const View& view = named(viewName);
-    const std::array<std::pair<bool, const char*>, 7> all = {{
+    const std::array<std::pair<bool, const char*>, 8> all = {{
         {view.editable, "editable"},
         {view.selectable, "selectable"},
         {view.field && view.look.bezeled, "bezel"},
@@ -468,6 +485,7 @@ std::vector<std::string> WindowImplementation::traits(std::string_view viewName)
         {view.field && view.look.showsFocus, "ring"},
         {view.allSelected, "all selected"},
         {view.isDefault, "default"},
+        {view.scrolls, "scrolls"},
     }};
     std::vector<std::string> names;
     for (const auto& [holds, name] : all)
@@ -547,6 +565,12 @@ std::unique_ptr<port::LabelPeer> System::makeLabel(port::ViewPeer& parent, port:
     return attach(std::make_unique<LabelPeer>(), parent, client);
 }
 
+std::unique_ptr<port::LabelPeer> System::makeScrollingText(port::ViewPeer& parent, port::ViewClient& client) {
+    auto peer = attach(std::make_unique<LabelPeer>(), parent, client);
+    peer->view->scrolls = true;
+    return peer;
+}
+
 std::unique_ptr<port::TextFieldPeer> System::makeTextField(port::ViewPeer& parent, port::ViewClient& client,
                                                            port::TextFieldClient& field) {
     auto peer = attach(std::make_unique<TextFieldPeer>(), parent, client);
@@ -609,6 +633,7 @@ struct TrackingLoop final : port::TrackingLoop {
         return woken;
     }
     void wake() override { woken = true; }
+    void holdBack(bool) override {} // input comes to our windows only
 
     System& system;
     bool woken = false;

@@ -53,7 +53,7 @@ public:
     virtual std::optional<CGRect> frameInContent(std::string_view viewName) const = 0;
     virtual std::string labelText(std::string_view viewName) const = 0; // or of a field or button
     // Of a field: "editable", "selectable", "bezel", "background", "ring", "all selected"; of a button
-    // "default".
+    // "default"; of a label "scrolls".
     virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
     virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
 };

@@ -22,11 +22,14 @@ public:
 
     bool wait() override;
     void wake() override;
+    void holdBack(bool holds) override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     std::vector<QEventLoop*> loops_; // those that run, the innermost last
+    void handOut();
+
     std::vector<std::pair<QPointer<QObject>, std::unique_ptr<QEvent>>> heldBack_;
     bool woken_ = false;
 };

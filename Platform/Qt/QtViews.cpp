@@ -173,6 +173,18 @@ void LabelWidget::paintEvent(QPaintEvent*) {
     style()->drawItemText(&painter, rect(), flags, palette(), isEnabled(), shown, QPalette::WindowText);
 }
 
+// ScrollingTextWidget
+
+ScrollingTextWidget::ScrollingTextWidget(QWidget* parent, port::ViewClient& viewClient)
+    : QPlainTextEdit(parent), client(&viewClient) {
+    setReadOnly(true);
+    setFrameShape(QFrame::NoFrame);
+    document()->setDocumentMargin(0);
+    viewport()->setAutoFillBackground(false);
+}
+
+ScrollingTextWidget::~ScrollingTextWidget() { tellGone(client); }
+
 // TextFieldWidget
 
 TextFieldWidget::TextFieldWidget(QWidget* parent, port::ViewClient& viewClient,
@@ -301,6 +313,14 @@ void ButtonPeer::setTitle(const std::string& title) {
     if (!widget_) return;
     // An ampersand is a character of the title, not the mark of a shortcut.
     widget_->setText(QString::fromStdString(title).replace(QLatin1Char('&'), QLatin1String("&&")));
+}
+
+void ScrollingTextPeer::setText(const std::string& text) {
+    if (widget_) widget_->setPlainText(QString::fromStdString(text));
+}
+
+void ScrollingTextPeer::setAppearance(const FontDescription& font, const Colour&, NSTextAlignment) {
+    if (widget_) widget_->setFont(fontFor(font));
 }
 
 void TextFieldPeer::setText(const std::string& text) {

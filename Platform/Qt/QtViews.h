@@ -7,6 +7,7 @@
 #include <QInputEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QRegion>
@@ -96,6 +97,15 @@ public:
 protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+};
+
+// Text on many lines, with a bar to scroll it.
+class ScrollingTextWidget final : public QPlainTextEdit {
+public:
+    ScrollingTextWidget(QWidget* parent, port::ViewClient& viewClient);
+    ~ScrollingTextWidget() override;
+
+    port::ViewClient* client;
 };
 
 // Text on one line that the user edits.
@@ -196,6 +206,14 @@ public:
     using PeerOf::PeerOf;
     void setText(const std::string& text) override;
     void setWraps(bool wraps) override;
+    void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) override;
+};
+
+class ScrollingTextPeer final : public PeerOf<port::LabelPeer, ScrollingTextWidget> {
+public:
+    using PeerOf::PeerOf;
+    void setText(const std::string& text) override;
+    void setWraps(bool) override {}
     void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) override;
 };
 

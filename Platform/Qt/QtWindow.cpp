@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -93,8 +94,24 @@ void WindowPeer::show(bool activate) {
     if (widget) widget->activateWindow();
 }
 
+void WindowPeer::showModal() {
+    const QPointer<WindowWidget> widget = widget_;
+    if (!widget) return;
+    QWidget* const inFront = QApplication::activeWindow();
+    widget->setWindowFlag(Qt::Dialog);
+    widget->setWindowModality(Qt::ApplicationModal);
+    widget->winId(); // there is a window from here on
+    if (inFront && inFront != widget) {
+        widget->windowHandle()->setTransientParent(inFront->windowHandle());
+        widget->move(inFront->frameGeometry().center() - widget->rect().center());
+    }
+    show(true);
+}
+
 void WindowPeer::hide() {
-    if (widget_) widget_->hide();
+    if (!widget_) return;
+    widget_->hide();
+    widget_->setWindowModality(Qt::NonModal);
 }
 
 void WindowPeer::close() {

@@ -39,6 +39,7 @@ public:
     ~WindowPeer() override;
 
     void show(bool activate) override;
+    void showModal() override;
     void hide() override;
     void close() override;
     void setTitle(const std::string& title) override;

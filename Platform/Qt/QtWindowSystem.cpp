@@ -99,6 +99,11 @@ std::unique_ptr<port::LabelPeer> QtWindowSystem::makeLabel(port::ViewPeer& paren
     return makePeer<LabelPeer, LabelWidget>(parent, client);
 }
 
+std::unique_ptr<port::LabelPeer> QtWindowSystem::makeScrollingText(port::ViewPeer& parent,
+                                                                   port::ViewClient& client) {
+    return makePeer<ScrollingTextPeer, ScrollingTextWidget>(parent, client);
+}
+
 std::unique_ptr<port::TextFieldPeer>
 QtWindowSystem::makeTextField(port::ViewPeer& parent, port::ViewClient& client, port::TextFieldClient& field) {
     return makePeer<TextFieldPeer, TextFieldWidget>(parent, client, field);

@@ -25,6 +25,8 @@ public:
                                                     port::ViewClient& client) override;
     std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
     std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
+    std::unique_ptr<port::LabelPeer> makeScrollingText(port::ViewPeer& parent,
+                                                       port::ViewClient& client) override;
     std::unique_ptr<port::TextFieldPeer> makeTextField(port::ViewPeer& parent, port::ViewClient& client,
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,

@@ -117,6 +117,9 @@ class WindowPeer {
 public:
     virtual ~WindowPeer() = default;
     virtual void show(bool activate) = 0;
+    // In front of all other windows, in the middle of the one that was in front; they get no input until this
+    // one is hidden or closed.
+    virtual void showModal() = 0;
     virtual void hide() = 0;
     virtual void close() = 0; // without asking the client; a host may decline
     virtual void setTitle(const std::string& title) = 0;

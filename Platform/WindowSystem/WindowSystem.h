@@ -31,6 +31,8 @@ public:
     virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
     virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;
     virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
+    // Of many lines, with a bar to scroll it.
+    virtual std::unique_ptr<LabelPeer> makeScrollingText(ViewPeer& parent, ViewClient& client) = 0;
     virtual std::unique_ptr<TextFieldPeer> makeTextField(ViewPeer& parent, ViewClient& client,
                                                          TextFieldClient& field) = 0;
     virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,
@@ -47,6 +49,8 @@ public:
     // reason, and nothing more is to come. May be nested.
     virtual bool wait() = 0;
     virtual void wake() = 0; // every wait that is under way
+    // Whether input for others is held back, as it is at first; what was is handed out when that ends.
+    virtual void holdBack(bool holds) = 0;
 };
 
 class WindowSystem : public Graphics, public PeerFactory {

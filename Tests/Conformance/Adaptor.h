@@ -182,9 +182,9 @@ protected:
         return adaptor_->pixel(*window_, {size.width - 0.5, 0.5}).value_or(Colour{});
     }
 
+    std::vector<std::string> log_; // goes last: views that are still shown write to it
     std::unique_ptr<Adaptor> adaptor_ = makeAdaptor();
     std::shared_ptr<NSWindow> window_;
-    std::vector<std::string> log_;
 };
 
 // Painted over what is below.

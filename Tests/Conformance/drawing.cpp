@@ -167,7 +167,7 @@ TEST_F(ConformanceDrawing, TextStandsWhereItWasPutInItsColour) {
         paint([&] { drawAtPoint_withAttributes("MMMM", {20, 40}, attributes); }, flipped);
         adaptor_->settle();
         if (const auto lines = adaptor_->lines(*window_, "view")) {
-            EXPECT_EQ(*lines, std::vector<std::string>{"text \"MMMM\" system 13 rgba(1, 0, 0, 1) at {20, 40}"});
+            EXPECT_EQ(*lines, std::vector<std::string>{"text \"MMMM\" system 12 rgba(1, 0, 0, 1) at {20, 40}"});
         } else {
             // Red pixels within its box, and none outside.
             int inside = 0, outside = 0;

@@ -39,6 +39,7 @@ public:
         if (top && activate) top->raise();
         if (top && activate) top->activateWindow();
     }
+    void showModal() override { show(true); } // a host decides on modality itself
     void hide() override {
         if (top_) top_->hide();
     }

@@ -1,0 +1,81 @@
+#include <AppKit/NSButton.h>
+#include <AppKit/NSView.h>
+#include <ZRUIKit/KitFoundation.h>
+#include <ZRUIKit/ZRAlert.h>
+
+namespace zr {
+
+ZR_CLASS_TABLE(ZRAlertAction)
+ZR_CLASS_TABLE(ZRAlert)
+
+std::shared_ptr<ZRAlertAction> ZRAlertAction::actionWithTitle_block(const std::string& title,
+                                                                    const Block& block) {
+    auto action = make<ZRAlertAction>();
+    action->setTitle(title);
+    action->setActionBlock(block);
+    return action;
+}
+
+std::shared_ptr<ZRAlertAction> ZRAlertAction::OK(const Block& block) {
+    return actionWithTitle_block(AppLocalizedString("OK"), block);
+}
+
+std::shared_ptr<ZRAlertAction> ZRAlertAction::CANCEL(const Block& block) {
+    return actionWithTitle_block(AppLocalizedString("Cancel"), block);
+}
+
+std::shared_ptr<ZRAlertAction> ZRAlertAction::EXIT(const Block& block) {
+    return actionWithTitle_block(AppLocalizedString("Exit"), block);
+}
+
+std::shared_ptr<ZRAlertAction> ZRAlertAction::CONFIRM(const Block& block) {
+    return actionWithTitle_block(AppLocalizedString("Confirm"), block);
+}
+
+std::shared_ptr<ZRAlertAction> ZRAlertAction::DISCARD(const Block& block) {
+    return actionWithTitle_block(AppLocalizedString("Discard"), block);
+}
+
+void ZRAlert::OK_info(const std::string& message, const std::optional<std::string>& info) {
+    const auto alert = make<NSAlert>();
+    alert->setAlertStyle(NSAlertStyleWarning);
+    alert->setMessageText(message);
+    if (info && !info->empty()) alert->setInformativeText(*info);
+    alert->addButtonWithTitle(AppLocalizedString("OK"));
+    alert->runModal();
+}
+
+void ZRAlert::Actions_title_info_accessoryView(const Actions& actions, const std::string& title,
+                                               const std::optional<std::string>& info,
+                                               const std::shared_ptr<NSView>& accessoryView) {
+    Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(actions, title, info, NSAlertStyleWarning,
+                                                                      accessoryView, nullptr, nullptr);
+}
+
+void ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander(
+    const Actions& actions, const std::string& title, const std::optional<std::string>& info,
+    unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander) {
+    Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(actions, title, info, alertStyle,
+                                                                      accessoryView, clickHander, nullptr);
+}
+
+void ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(
+    const Actions& actions, const std::string& title, const std::optional<std::string>& info,
+    unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander,
+    const BeforeRun& beforeRun) {
+    const auto alert = make<NSAlert>();
+    alert->setAlertStyle(static_cast<NSAlertStyle>(alertStyle));
+    alert->setMessageText(title);
+    alert->setInformativeText(info.value_or(""));
+    for (const auto& action : actions) alert->addButtonWithTitle(action->title());
+    if (accessoryView) alert->setAccessoryView(accessoryView);
+    if (beforeRun) beforeRun(*alert);
+    // Unsigned: a response below the first button's is far beyond the last one.
+    const auto index = static_cast<std::size_t>(alert->runModal()) - std::size_t{NSAlertFirstButtonReturn};
+    if (index >= actions.size()) return;
+    const auto action = actions[index];
+    if (const auto block = action->actionBlock()) block();
+    if (clickHander) clickHander(*action);
+}
+
+} // namespace zr

@@ -1,0 +1,251 @@
+#include <AppKit/NSAlert.h>
+#include <AppKit/NSBezierPath.h>
+#include <AppKit/NSButton.h>
+#include <AppKit/NSColor.h>
+#include <AppKit/NSScreen.h>
+#include <AppKit/NSStringDrawing.h>
+#include <AppKit/NSTextField.h>
+#include <AppKit/NSWindow.h>
+#include <Foundation/NSBundle.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSAlert, .actions = {actionNamed<&NSAlert::pressed>("pressed:")})
+
+namespace {
+
+constexpr double kMargin = 20;
+constexpr double kIconSize = 48;
+constexpr double kIconGap = 16;
+constexpr double kTextWidth = 340;
+constexpr double kTextGap = 8;
+constexpr double kSectionGap = 20;
+constexpr double kButtonGap = 8;
+constexpr double kLeastButtonWidth = 80;
+constexpr double kLargestPartOfScreen = 0.8;
+
+// What the alert is about, as a sign.
+class AlertIcon : public NSView {
+public:
+    ZR_CLASS(AlertIcon, NSView)
+    void drawRect(const NSRect&) override {
+        const NSRect area = NSInsetRect(bounds(), 2, 2);
+        if (style == NSAlertStyleInformational) {
+            NSColor::colorWithDeviceRed_green_blue_alpha(0.20, 0.47, 0.85, 1).set();
+            NSBezierPath::bezierPathWithOvalInRect(area).fill();
+        } else {
+            if (style == NSAlertStyleCritical)
+                NSColor::systemRedColor().set();
+            else
+                NSColor::colorWithDeviceRed_green_blue_alpha(0.93, 0.62, 0.09, 1).set();
+            NSBezierPath triangle;
+            triangle.moveToPoint({NSMinX(area), NSMinY(area) + 2});
+            triangle.lineToPoint({NSMaxX(area), NSMinY(area) + 2});
+            triangle.lineToPoint({NSMidX(area), NSMaxY(area) - 2});
+            triangle.closePath();
+            triangle.fill();
+        }
+        // An exclamation mark, or an i, which has its dot above.
+        const bool dotBelow = style != NSAlertStyleInformational;
+        NSColor::colorWithDeviceRed_green_blue_alpha(1, 1, 1, 1).set();
+        const double x = NSMidX(area);
+        NSBezierPath::bezierPathWithRoundedRect_xRadius_yRadius({{x - 2, dotBelow ? 16.0 : 12.0}, {4, 14}}, 2,
+                                                                2)
+            .fill();
+        NSBezierPath::bezierPathWithOvalInRect({{x - 2.5, dotBelow ? 8.0 : 29.0}, {5, 5}}).fill();
+    }
+    NSAlertStyle style = NSAlertStyleWarning;
+};
+
+ZR_CLASS_TABLE(AlertIcon)
+
+// A label whose text has been broken into lines that fit; its height is theirs.
+std::shared_ptr<NSTextField> paragraph(const std::string& text, const NSFont& font, double width) {
+    const TextAttributes attributes{font, NSColor::labelColor()};
+    const auto lines = linesOfText(text, width - 4, attributes);
+    std::string broken;
+    for (const auto& line : lines) {
+        if (!broken.empty()) broken += '\n';
+        broken += line;
+    }
+    auto label = NSTextField::wrappingLabelWithString(broken);
+    label->setFont(font);
+    const double lineHeight = std::ceil(sizeWithAttributes("X", attributes).height);
+    label->setFrameSize({width, lineHeight * static_cast<double>(std::max<std::size_t>(1, lines.size())) + 2});
+    return label;
+}
+
+} // namespace
+
+// Closing the alert by its frame presses the button that Escape presses, and nothing else.
+class NSAlert::Closing : public NSWindowDelegate {
+public:
+    std::optional<bool> windowShouldClose(NSWindow&) override {
+        if (const auto button = escape.lock()) button->performClick(nullptr);
+        return false;
+    }
+    std::weak_ptr<NSButton> escape;
+};
+
+NSAlert::NSAlert() = default;
+NSAlert::~NSAlert() = default;
+
+std::shared_ptr<NSButton> NSAlert::addButtonWithTitle(const std::string& title) {
+    auto button = NSButton::buttonWithTitle_target_action(title, nullptr, "pressed:");
+    button->setTarget(shared_from_this());
+    button->setTag(NSAlertFirstButtonReturn + static_cast<long>(buttons_.size()));
+    buttons_.push_back(button);
+    return button;
+}
+
+void NSAlert::pressed(NSObject* sender) {
+    if (const auto* button = dynamic_cast<NSButton*>(sender))
+        NSApplication::sharedApplication().stopModalWithCode(static_cast<int>(button->tag()));
+}
+
+NSWindow& NSAlert::window() {
+    if (!window_) {
+        window_ =
+            make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSRect{},
+                           NSWindowStyleMaskTitled | NSWindowStyleMaskClosable, NSBackingStoreBuffered, false);
+        closing_ = std::make_shared<Closing>();
+        window_->setDelegate(closing_);
+    }
+    return *window_;
+}
+
+void NSAlert::layOut() {
+    auto shown = buttons_;
+    if (shown.empty()) {
+        const auto ok = NSButton::buttonWithTitle_target_action(
+            NSBundle::mainBundle().localizedStringForKey_value_table("OK", "", std::nullopt), nullptr,
+            "pressed:");
+        ok->setTarget(shared_from_this());
+        ok->setTag(NSAlertFirstButtonReturn);
+        shown.push_back(ok);
+    }
+    // Keys: the first has Return, the one for cancelling Escape, unless it is the first.
+    const std::string cancel =
+        NSBundle::mainBundle().localizedStringForKey_value_table("Cancel", "", std::nullopt);
+    closing_->escape.reset();
+    shown.front()->setKeyEquivalent(kReturnCharacter);
+    for (const auto& button : shown) {
+        if (button->title() != cancel) continue;
+        closing_->escape = button;
+        if (button != shown.front()) button->setKeyEquivalent(kEscapeCharacter);
+        break;
+    }
+
+    const NSSize screen = NSScreen::mainScreen().frame().size;
+    double textWidth = kTextWidth;
+    if (accessoryView_) textWidth = std::max(textWidth, accessoryView_->frame().size.width);
+
+    // Buttons fill rows from the trailing end; more of them than fit are on the next row.
+    const double width = kMargin + kIconSize + kIconGap + textWidth + kMargin;
+    struct Place {
+        std::shared_ptr<NSButton> button;
+        std::size_t row = 0;
+        double right = 0;
+    };
+    std::vector<Place> places;
+    double right = width - kMargin, rowHeight = 0;
+    std::size_t row = 0;
+    for (const auto& button : shown) {
+        button->sizeToFit();
+        const double own =
+            std::min(std::max(kLeastButtonWidth, button->frame().size.width), width - 2 * kMargin);
+        button->setFrameSize({own, button->frame().size.height});
+        rowHeight = std::max(rowHeight, button->frame().size.height);
+        if (right - own < kMargin && right < width - kMargin) {
+            right = width - kMargin;
+            ++row;
+        }
+        places.push_back({button, row, right});
+        right -= own + kButtonGap;
+    }
+    const double buttonsHeight = double(row + 1) * rowHeight + double(row) * kButtonGap;
+
+    const auto message = paragraph(messageText_, NSFont::boldSystemFontOfSize(0), textWidth);
+    const auto information = informativeText_.empty()
+                                 ? nullptr
+                                 : paragraph(informativeText_, NSFont::systemFontOfSize(11), textWidth);
+    double below = buttonsHeight + kSectionGap + 2 * kMargin;
+    if (accessoryView_) below += accessoryView_->frame().size.height + kSectionGap;
+    // Texts that do not fit on the screen share the room, and scroll.
+    const double room = std::max(60.0, screen.height * kLargestPartOfScreen - below);
+    const auto limit = [](NSTextField& label, double height) {
+        if (label.frame().size.height <= height) return;
+        label.setFrameSize({label.frame().size.width, std::floor(height)});
+        label.setScrolls(true);
+    };
+    limit(*message, information ? room / 2 : room);
+    if (information) limit(*information, room - message->frame().size.height - kTextGap);
+    double textHeight = message->frame().size.height;
+    if (information) textHeight += kTextGap + information->frame().size.height;
+    textHeight = std::max(textHeight, kIconSize);
+
+    const double height = below + textHeight;
+    const auto content = make<NSView>(NSRect{NSZeroPoint, {width, height}});
+    const auto icon = make<AlertIcon>(NSRect{{kMargin, height - kMargin - kIconSize}, {kIconSize, kIconSize}});
+    icon->style = alertStyle_;
+    content->addSubview(icon);
+    const double left = kMargin + kIconSize + kIconGap;
+    double top = height - kMargin;
+    const auto place = [&](const std::shared_ptr<NSTextField>& label, const char* name) {
+        top -= label->frame().size.height;
+        label->setFrameOrigin({left, top});
+        label->setIdentifier(name);
+        content->addSubview(label);
+    };
+    place(message, "alertMessage");
+    if (information) {
+        top -= kTextGap;
+        place(information, "alertInformation");
+    }
+    if (accessoryView_) {
+        accessoryView_->setFrameOrigin({left, kMargin + buttonsHeight + kSectionGap});
+        content->addSubview(accessoryView_);
+    }
+    for (const auto& [button, ofRow, buttonRight] : places) {
+        const double y = kMargin + buttonsHeight - double(ofRow + 1) * rowHeight - double(ofRow) * kButtonGap;
+        button->setFrameOrigin({buttonRight - button->frame().size.width, y});
+        content->addSubview(button);
+    }
+    window_->setContentSize({width, height});
+    window_->setContentView(content);
+}
+
+int NSAlert::runModal() {
+    const auto held = retained(this);
+    const auto window = retained(&this->window());
+    layOut();
+    const int response = NSApplication::sharedApplication().runModalForWindow(*window);
+    window->close();
+    return response;
+}
+
+int runAlertPanel(const std::string& title, const std::string& message,
+                  const std::optional<std::string>& defaultButton,
+                  const std::optional<std::string>& alternateButton,
+                  const std::optional<std::string>& otherButton) {
+    const auto alert = make<NSAlert>();
+    alert->setMessageText(title);
+    alert->setInformativeText(message);
+    const std::string ok = NSBundle::mainBundle().localizedStringForKey_value_table("OK", "", std::nullopt);
+    std::vector<int> responses = {NSAlertDefaultReturn};
+    alert->addButtonWithTitle(defaultButton.value_or("").empty() ? ok : *defaultButton);
+    const auto add = [&](const std::optional<std::string>& button, int response) {
+        if (!button) return;
+        alert->addButtonWithTitle(*button);
+        responses.push_back(response);
+    };
+    add(alternateButton, NSAlertAlternateReturn);
+    add(otherButton, NSAlertOtherReturn);
+    const int index = alert->runModal() - NSAlertFirstButtonReturn;
+    return index >= 0 && index < int(responses.size()) ? responses[std::size_t(index)] : NSAlertErrorReturn;
+}
+
+} // namespace zr

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+namespace zr {
+
+// Small helpers of the base library.
+class GlobalFun {
+public:
+    // The whole seconds of a time, without their fraction, as hours, minutes and seconds. Of a negative time
+    // each part is negative or 0, so that hours * 3600 + minutes * 60 + seconds gives the whole seconds back.
+    // Hours stay within their range; what is no number gives 0.
+    static void getHour_minite_second_withTime(std::int32_t& hour, std::int32_t& minute, std::int32_t& second,
+                                               double seconds);
+};
+
+} // namespace zr
