@@ -62,6 +62,22 @@ public:
 
 ZR_CLASS_TABLE(AlertIcon)
 
+// Escape is for the button that cancels also where that one has Return.
+class AlertContent : public NSView {
+public:
+    ZR_CLASS(AlertContent, NSView)
+    bool performKeyEquivalent(const NSEvent& event) override {
+        if (NSView::performKeyEquivalent(event)) return true;
+        const auto button = escape.lock();
+        if (!button || event.charactersIgnoringModifiers() != kEscapeCharacter) return false;
+        button->performClick(nullptr);
+        return true;
+    }
+    std::weak_ptr<NSButton> escape;
+};
+
+ZR_CLASS_TABLE(AlertContent)
+
 // A label whose text has been broken into lines that fit; its height is theirs.
 std::shared_ptr<NSTextField> paragraph(const std::string& text, const NSFont& font, double width) {
     const TextAttributes attributes{font, NSColor::labelColor()};
@@ -188,7 +204,8 @@ void NSAlert::layOut() {
     textHeight = std::max(textHeight, kIconSize);
 
     const double height = below + textHeight;
-    const auto content = make<NSView>(NSRect{NSZeroPoint, {width, height}});
+    const auto content = make<AlertContent>(NSRect{NSZeroPoint, {width, height}});
+    content->escape = closing_->escape;
     const auto icon = make<AlertIcon>(NSRect{{kMargin, height - kMargin - kIconSize}, {kIconSize, kIconSize}});
     icon->style = alertStyle_;
     content->addSubview(icon);
