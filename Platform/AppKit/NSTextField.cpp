@@ -1,5 +1,6 @@
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSTextField.h>
+#include <Foundation/NSCoder.h>
 #include <WindowSystem/WindowSystem.h>
 
 #include <cmath>
@@ -19,6 +20,16 @@ std::shared_ptr<NSTextField> NSTextField::wrappingLabelWithString(const std::str
     auto label = labelWithString(text);
     label->wraps_ = true;
     return label;
+}
+
+bool NSTextField::initWithCoder(NSCoder& coder) {
+    if (!NSControl::initWithCoder(coder)) return false;
+    text_ = coder.decodeStringForKey("NSContents").value_or("");
+    if (const auto colour = coder.decodeColourForKey("NSTextColor")) textColor_ = NSColor(*colour);
+    alignment_ =
+        static_cast<NSTextAlignment>(coder.decodeDoubleForKey("NSAlignment").value_or(NSTextAlignmentLeft));
+    wraps_ = coder.decodeDoubleForKey("NSLineBreakMode") == NSLineBreakByWordWrapping;
+    return true;
 }
 
 void NSTextField::setStringValue(const std::string& text) {

@@ -21,6 +21,8 @@ public:
     // As many lines as there is room for.
     static std::shared_ptr<NSTextField> wrappingLabelWithString(const std::string& text);
 
+    bool initWithCoder(NSCoder& coder) override;
+
     const std::string& stringValue() const { return text_; }
     void setStringValue(const std::string& text);
     const NSColor& textColor() const { return textColor_; }
