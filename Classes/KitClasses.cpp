@@ -2,10 +2,13 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSControl.h>
 #include <AppKit/NSImage.h>
+#include <AppKit/NSNib.h>
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSView.h>
+#include <AppKit/NSViewController.h>
 #include <AppKit/NSWindow.h>
+#include <AppKit/NSWindowController.h>
 #include <Foundation/NSBundle.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/ProgressSliderView.h>
@@ -28,6 +31,9 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSButton::classTable(),
         &NSTextField::classTable(),
         &NSWindow::classTable(),
+        &NSNib::classTable(),
+        &NSWindowController::classTable(),
+        &NSViewController::classTable(),
         &SliderSelectionItem::classTable(),
         &BaseSliderView::classTable(),
         &SplitSliderView::classTable(),
