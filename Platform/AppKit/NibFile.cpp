@@ -57,6 +57,7 @@ private:
     void collectIds(pugi::xml_node root) {
         struct Walker : pugi::xml_tree_walker {
             bool for_each(pugi::xml_node& element) override {
+                if (element.type() != pugi::node_element) return true;
                 // The walk starts below the root of the document, at 0.
                 if (depth() + 2 > kMaximumDepth) throw Broken("nested too deeply");
                 const auto id = element.attribute("id");

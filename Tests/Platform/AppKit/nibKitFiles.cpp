@@ -14,7 +14,6 @@ namespace zr::test {
 
 namespace {
 
-using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
