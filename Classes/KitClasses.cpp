@@ -3,10 +3,13 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSControl.h>
 #include <AppKit/NSImage.h>
+#include <AppKit/NSNib.h>
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSView.h>
+#include <AppKit/NSViewController.h>
 #include <AppKit/NSWindow.h>
+#include <AppKit/NSWindowController.h>
 #include <Foundation/NSBundle.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/ProgressSliderView.h>
@@ -21,12 +24,27 @@ namespace zr {
 
 std::span<const ClassTable* const> kitClassTables() {
     static const std::array tables = {
-        &NSObject::classTable(),       &NSBundle::classTable(),        &NSResponder::classTable(),
-        &NSAlert::classTable(),        &NSApplication::classTable(),   &NSImage::classTable(),
-        &NSView::classTable(),         &NSControl::classTable(),       &NSButton::classTable(),
-        &NSTextField::classTable(),    &NSWindow::classTable(),        &SliderSelectionItem::classTable(),
-        &BaseSliderView::classTable(), &SplitSliderView::classTable(), &ProgressSliderView::classTable(),
-        &SWTimeEditView::classTable(), &ZRAlertAction::classTable(),   &ZRAlert::classTable(),
+        &NSObject::classTable(),
+        &NSBundle::classTable(),
+        &NSResponder::classTable(),
+        &NSAlert::classTable(),
+        &NSApplication::classTable(),
+        &NSImage::classTable(),
+        &NSView::classTable(),
+        &NSControl::classTable(),
+        &NSButton::classTable(),
+        &NSTextField::classTable(),
+        &NSWindow::classTable(),
+        &NSNib::classTable(),
+        &NSWindowController::classTable(),
+        &NSViewController::classTable(),
+        &SliderSelectionItem::classTable(),
+        &BaseSliderView::classTable(),
+        &SplitSliderView::classTable(),
+        &ProgressSliderView::classTable(),
+        &SWTimeEditView::classTable(),
+        &ZRAlertAction::classTable(),
+        &ZRAlert::classTable(),
     };
     return tables;
 }

@@ -11,7 +11,8 @@
 
 namespace zr {
 
-ZR_CLASS_TABLE(NSApplication, .actions = {actionNamed<&NSApplication::terminate>("terminate:")})
+ZR_CLASS_TABLE(NSApplication, .actions = {actionNamed<&NSApplication::terminate>("terminate:")},
+               .outlets = {outletNamed<&NSApplication::setDelegate>("delegate")})
 
 NSApplication::NSApplication() = default;
 NSApplication::~NSApplication() = default;

@@ -1,6 +1,7 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSWindow.h>
+#include <Foundation/NSCoder.h>
 #include <WindowSystem/WindowSystem.h>
 
 #include <cmath>
@@ -28,6 +29,13 @@ std::shared_ptr<NSButton> NSButton::buttonWithTitle_target_action(const std::str
     button->setAction(action);
     button->sizeToFit();
     return button;
+}
+
+bool NSButton::initWithCoder(NSCoder& coder) {
+    if (!NSControl::initWithCoder(coder)) return false;
+    title_ = coder.decodeStringForKey("NSTitle").value_or("");
+    keyEquivalent_ = coder.decodeStringForKey("NSKeyEquivalent").value_or("");
+    return true;
 }
 
 void NSButton::setTitle(const std::string& title) {

@@ -21,6 +21,8 @@ public:
                                                                    const std::shared_ptr<NSObject>& target,
                                                                    const SEL& action);
 
+    bool initWithCoder(NSCoder& coder) override;
+
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
     void setEnabled(bool enabled) override;

@@ -5,11 +5,13 @@
 namespace zr {
 
 ZR_CLASS_TABLE(NSControl, .outlets = {outletNamed<&NSControl::setTarget>("target")},
-               .attributes = {attributeNamed<&NSControl::setEnabled>("enabled")})
+               .attributes = {attributeNamed<&NSControl::setAction>("action"),
+                              attributeNamed<&NSControl::setEnabled>("enabled")})
 
 bool NSControl::initWithCoder(NSCoder& coder) {
     if (!NSView::initWithCoder(coder)) return false;
     enabled_ = coder.decodeBoolForKey("NSEnabled").value_or(true);
+    if (auto font = coder.decodeFontForKey("NSFont")) font_ = NSFont(std::move(*font));
     return true;
 }
 

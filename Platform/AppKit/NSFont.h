@@ -7,6 +7,8 @@ namespace zr {
 // A font. A value; sizes in points, 0 means the standard size.
 class NSFont {
 public:
+    explicit NSFont(FontDescription description) : description_(std::move(description)) {}
+
     static constexpr double systemFontSize() { return 13; }
     static constexpr double smallSystemFontSize() { return 11; }
 
@@ -20,8 +22,6 @@ public:
     bool operator==(const NSFont&) const = default;
 
 private:
-    explicit NSFont(FontDescription description) : description_(std::move(description)) {}
-
     FontDescription description_;
 };
 

@@ -1,6 +1,7 @@
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSWindow.h>
+#include <Foundation/NSCoder.h>
 #include <Foundation/NSString.h>
 #include <WindowSystem/WindowSystem.h>
 
@@ -40,6 +41,22 @@ std::shared_ptr<NSTextField> NSTextField::wrappingLabelWithString(const std::str
     auto label = labelWithString(text);
     label->wraps_ = true;
     return label;
+}
+
+bool NSTextField::initWithCoder(NSCoder& coder) {
+    if (!NSControl::initWithCoder(coder)) return false;
+    text_ = coder.decodeStringForKey("NSContents").value_or("");
+    if (const auto colour = coder.decodeColourForKey("NSTextColor")) textColor_ = NSColor(*colour);
+    alignment_ =
+        static_cast<NSTextAlignment>(coder.decodeDoubleForKey("NSAlignment").value_or(NSTextAlignmentLeft));
+    wraps_ = coder.decodeDoubleForKey("NSLineBreakMode") == NSLineBreakByWordWrapping;
+    if (const auto colour = coder.decodeColourForKey("NSBackgroundColor")) backgroundColor_ = NSColor(*colour);
+    editable_ = coder.decodeBoolForKey("NSEditable").value_or(true);
+    selectable_ = editable_ || coder.decodeBoolForKey("NSSelectable").value_or(true);
+    drawsBackground_ = coder.decodeBoolForKey("NSDrawsBackground").value_or(true);
+    bezeled_ = coder.decodeBoolForKey("NSBezeled").value_or(true);
+    isLabel_ = !editable_ && !selectable_ && !drawsBackground_ && !bezeled_;
+    return true;
 }
 
 void NSTextField::setStringValue(const std::string& text) {

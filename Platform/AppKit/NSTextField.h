@@ -64,6 +64,8 @@ public:
     // As many lines as there is room for.
     static std::shared_ptr<NSTextField> wrappingLabelWithString(const std::string& text);
 
+    bool initWithCoder(NSCoder& coder) override;
+
     // Not retained.
     std::shared_ptr<NSTextFieldDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(std::weak_ptr<NSTextFieldDelegate> delegate) { delegate_ = std::move(delegate); }

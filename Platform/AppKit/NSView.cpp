@@ -47,6 +47,8 @@ bool NSView::initWithCoder(NSCoder& coder) {
     frame_ = coder.decodeRectForKey("NSFrame").value_or(NSZeroRect);
     autoresizingMask_ =
         static_cast<unsigned>(coder.decodeDoubleForKey("NSAutoresizingMask").value_or(NSViewNotSizable));
+    hidden_ = coder.decodeBoolForKey("NSHidden").value_or(false);
+    identifier_ = coder.decodeStringForKey("NSIdentifier").value_or("");
     return true;
 }
 

@@ -39,10 +39,8 @@ public:
     ~NSView() override;
 
     virtual bool initWithFrame(const NSRect& frame);
-    bool initWithCoder(NSCoder& coder) override; // frame and autoresizing mask
+    bool initWithCoder(NSCoder& coder) override; // frame, autoresizing mask, hidden, identifier
     bool init() override { return initWithFrame(NSZeroRect); }
-    // Sent once after the object was made from an interface file and everything was connected.
-    virtual void awakeFromNib() {}
 
     // In the superview's coordinates. A new size resizes the subviews by their masks, and asks for layout and
     // drawing.

@@ -5,12 +5,14 @@
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
+#include <Foundation/NSCoder.h>
 
 #include <algorithm>
 
 namespace zr {
 
-ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("performClose:")})
+ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("performClose:")},
+               .outlets = {outletNamed<&NSWindow::setDelegate>("delegate")})
 
 struct NSWindow::Client final : port::WindowClient {
     explicit Client(NSWindow& owner) : window(owner) {}
@@ -73,6 +75,21 @@ bool NSWindow::initWithContentRect_styleMask_backing_defer(const NSRect& content
     styleMask_ = styleMask;
     setContentView(nullptr);
     return true;
+}
+
+bool NSWindow::initWithCoder(NSCoder& coder) {
+    const auto mask = static_cast<unsigned>(coder.decodeDoubleForKey("NSWindowStyleMask").value_or(0));
+    if (!initWithContentRect_styleMask_backing_defer(
+            coder.decodeRectForKey("NSWindowRect").value_or(NSZeroRect), mask, NSBackingStoreBuffered, false))
+        return false;
+    title_ = coder.decodeStringForKey("NSWindowTitle").value_or("");
+    contentMinSize_ = coder.decodeSizeForKey("NSWindowContentMinSize").value_or(contentMinSize_);
+    contentMaxSize_ = coder.decodeSizeForKey("NSWindowContentMaxSize").value_or(contentMaxSize_);
+    return true;
+}
+
+bool NSWindow::init() {
+    return initWithContentRect_styleMask_backing_defer(NSZeroRect, 0, NSBackingStoreBuffered, false);
 }
 
 bool NSWindow::initWithForeignPeer(const PeerMaker& makePeer, const std::shared_ptr<NSView>& content,

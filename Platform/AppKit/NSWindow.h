@@ -51,8 +51,12 @@ public:
     // effect.
     bool initWithContentRect_styleMask_backing_defer(const NSRect& contentRect, unsigned styleMask,
                                                      NSBackingStoreType backing, bool defer);
+    // Content rectangle, style mask, title and limits of the content's size.
+    bool initWithCoder(NSCoder& coder) override;
+    bool init() override; // an empty window without a frame
     void dealloc() override;
 
+    unsigned styleMask() const { return styleMask_; }
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
     NSView* contentView() const { return contentView_.get(); }
@@ -63,6 +67,8 @@ public:
     const NSSize& contentSize() const { return contentSize_; }
     void setContentSize(const NSSize& size);
     // For resizing by the user.
+    const NSSize& contentMinSize() const { return contentMinSize_; }
+    const NSSize& contentMaxSize() const { return contentMaxSize_; }
     void setContentMinSize(const NSSize& size);
     void setContentMaxSize(const NSSize& size);
 

@@ -16,6 +16,13 @@ enum class SystemColour {
     windowBackground,
     separator,
     systemRed,
+    quaternaryLabel,
+    placeholderText,
+    text,
+    textBackground,
+    control,
+    controlText,
+    disabledControlText,
 };
 
 // Components between 0 and 1, sRGB, alpha not premultiplied. With a system colour the components are unused.
@@ -30,6 +37,8 @@ struct Colour {
 
 // The name by which AppKit's programmers know the colour, such as "tertiaryLabelColor"; empty for none.
 std::string_view nameOf(SystemColour colour);
+// None for a name that no colour has.
+SystemColour systemColourNamed(std::string_view name);
 
 // The components the colour has under the appearance.
 Colour resolved(const Colour& colour, Appearance appearance);

@@ -19,6 +19,15 @@ struct TextSize {
     double descent = 0; // positive, below the baseline
 };
 
+enum NSLineBreakMode {
+    NSLineBreakByWordWrapping = 0,
+    NSLineBreakByCharWrapping = 1,
+    NSLineBreakByClipping = 2,
+    NSLineBreakByTruncatingHead = 3,
+    NSLineBreakByTruncatingTail = 4,
+    NSLineBreakByTruncatingMiddle = 5,
+};
+
 enum NSTextAlignment { NSTextAlignmentLeft = 0, NSTextAlignmentRight = 1, NSTextAlignmentCenter = 2 };
 
 } // namespace zr

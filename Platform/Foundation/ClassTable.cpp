@@ -1,6 +1,7 @@
 #include <Foundation/ClassTable.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace zr {
 
@@ -15,6 +16,12 @@ const Entry* findEntry(const ClassTable& table, std::vector<Entry> ClassTable::*
         if (found != list.end()) return &*found;
     }
     return nullptr;
+}
+
+// Leaked on purpose, as the tables are.
+std::vector<const ClassTable*>& applicationClasses() {
+    static auto* const tables = new std::vector<const ClassTable*>;
+    return *tables;
 }
 
 } // namespace
@@ -37,10 +44,23 @@ const Attribute* ClassTable::findAttribute(std::string_view attributeName) const
     return findEntry(*this, &ClassTable::attributes, &Attribute::name, attributeName);
 }
 
+void registerClass(const ClassTable& table) {
+    const ClassTable* const known = NSClassFromString(table.name);
+    if (known && known != &table) {
+        std::string message = "there is a class already of the name ";
+        message += table.name;
+        throw std::logic_error(message);
+    }
+    if (!known) applicationClasses().push_back(&table);
+}
+
 const ClassTable* NSClassFromString(std::string_view name) {
-    for (const ClassTable* table : kitClassTables())
-        if (table->name == name) return table;
-    return nullptr;
+    const auto find = [name](const auto& tables) -> const ClassTable* {
+        const auto found = std::ranges::find(tables, name, &ClassTable::name);
+        return found == tables.end() ? nullptr : *found;
+    };
+    const ClassTable* const kit = find(kitClassTables());
+    return kit ? kit : find(applicationClasses());
 }
 
 } // namespace zr

@@ -32,6 +32,7 @@ struct Outlet {
     std::string_view name;
     bool (*connect)(NSObject& owner,
                     const std::shared_ptr<NSObject>& value); // false when it is of another kind
+    bool (*accepts)(const std::shared_ptr<NSObject>& value); // whether connect would take it
 };
 
 struct Attribute {
@@ -58,6 +59,10 @@ struct ClassTable {
 
 // All classes of the kit and of the layer below it; the list stands beside the kit's classes.
 std::span<const ClassTable* const> kitClassTables();
+
+// Adds a class of the application to those that are known by name, so that its interface files may use it. Main
+// thread only. Throws std::logic_error when another class has the name.
+void registerClass(const ClassTable& table);
 
 // Null when there is no class of that name.
 const ClassTable* NSClassFromString(std::string_view name);
@@ -119,11 +124,15 @@ template <auto Setter>
 Outlet outletNamed(std::string_view name) {
     using Traits = detail::SetterOf<decltype(Setter)>;
     using Kind = typename Traits::Argument::element_type;
-    return {name, [](NSObject& owner, const std::shared_ptr<NSObject>& value) {
+    return {name,
+            [](NSObject& owner, const std::shared_ptr<NSObject>& value) {
                 auto object = std::dynamic_pointer_cast<Kind>(value);
                 if (value && !object) return false;
                 (static_cast<typename Traits::Owner&>(owner).*Setter)(object);
                 return true;
+            },
+            [](const std::shared_ptr<NSObject>& value) {
+                return !value || std::dynamic_pointer_cast<Kind>(value) != nullptr;
             }};
 }
 

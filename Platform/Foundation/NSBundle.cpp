@@ -95,6 +95,20 @@ std::optional<fs::path> NSBundle::pathOfTable(const std::string& name) const {
     file += ".strings";
     std::error_code error;
     if (auto path = path_ / file; fs::is_regular_file(path, error)) return path;
+    return localizedPath(file);
+}
+
+std::optional<fs::path> NSBundle::pathForInterfaceFile(std::string_view name) const {
+    std::string file(name);
+    file += ".xib";
+    if (auto path = localizedPath(file)) return path;
+    std::error_code error;
+    auto path = path_ / file;
+    return fs::is_regular_file(path, error) ? std::optional(path) : std::nullopt;
+}
+
+std::optional<fs::path> NSBundle::localizedPath(const std::string& file) const {
+    std::error_code error;
     const auto languages = localizations();
     for (const auto& language :
          {preferredLocalization(), match(languages, kDevelopmentLanguage).value_or("Base"),

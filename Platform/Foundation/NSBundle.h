@@ -40,6 +40,10 @@ public:
     // shared by all who ask while it lives; null when there is none. The extension may be given.
     std::shared_ptr<NSImage> imageForResource(std::string_view name) const;
 
+    // NAME.xib of the language in which the user sees the bundle, of the language it was developed in, of
+    // Base.lproj, or without a language, in this order.
+    std::optional<std::filesystem::path> pathForInterfaceFile(std::string_view name) const;
+
     // Names of the languages there are strings for, sorted.
     std::vector<std::string> localizations() const;
     // The language in which the user sees this bundle: that of the main bundle where the main bundle has any.
@@ -49,6 +53,7 @@ private:
     using Table = std::map<std::string, std::string, std::less<>>;
     const Table& tableNamed(const std::string& name) const;
     std::optional<std::filesystem::path> pathOfTable(const std::string& name) const;
+    std::optional<std::filesystem::path> localizedPath(const std::string& file) const;
 
     std::filesystem::path path_;
     mutable std::mutex lock_;

@@ -25,6 +25,9 @@ public:
     virtual bool init() { return true; }
     // Last chance to use the object whole. Overrides call their superclass's at the end. Must not throw.
     virtual void dealloc() {}
+    // Sent once when an interface file has been opened and everything in it is connected: to each object that
+    // it made, then to its owner.
+    virtual void awakeFromNib() {}
 
     bool isKindOfClass(const ClassTable& table) const { return class_().isSubclassOf(table); }
     // Whether the class has an action of that name.

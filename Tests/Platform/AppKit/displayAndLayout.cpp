@@ -241,7 +241,7 @@ TEST_F(DisplayAndLayout, TheRepresentationFollowsScaleAndAppearance) {
 TEST_F(DisplayAndLayout, TextIsMeasuredTheSameEveryTime) {
     EXPECT_EQ(sizeWithAttributes("abcd", {NSFont::systemFontOfSize(10), NSColor::labelColor()}),
               NSMakeSize(20, 10));
-    EXPECT_EQ(sizeWithAttributes("", {}), NSMakeSize(0, 13));
+    EXPECT_EQ(sizeWithAttributes("", {}), NSMakeSize(0, 12));
     EXPECT_EQ(sizeWithAttributes("日本", {NSFont::systemFontOfSize(10), NSColor::labelColor()}),
               NSMakeSize(20, 10));
 }
