@@ -17,6 +17,7 @@
 #include <ZRUIKit/SliderSelectionItem.h>
 #include <ZRUIKit/SplitSliderView.h>
 #include <ZRUIKit/ZRAlert.h>
+#include <ZRUIKit/ZRLoadingWndCtl.h>
 
 #include <array>
 
@@ -45,6 +46,8 @@ std::span<const ClassTable* const> kitClassTables() {
         &SWTimeEditView::classTable(),
         &ZRAlertAction::classTable(),
         &ZRAlert::classTable(),
+        &ZRLoadingWndCtl::classTable(),
+        &NSProgressIndicator::classTable(),
     };
     return tables;
 }

@@ -190,6 +190,16 @@ void NSApplication::stopModalWithCode(int code) {
     wakeModal();
 }
 
+void NSApplication::beginSheet_modalForWindow_modalDelegate_didEndSelector_contextInfo(NSWindow& sheet,
+                                                                                       NSWindow* window,
+                                                                                       NSObject*, const SEL&,
+                                                                                       void*) {
+    if (window) window->pressesEnd();
+    sheet.showAsSheet(window);
+}
+
+void NSApplication::endSheet(NSWindow& sheet) { sheet.endSheet(); }
+
 void NSApplication::wakeModal() {
     for (const auto& modal : modals_) modal->loop->wake();
 }

@@ -57,6 +57,16 @@ public:
     void stopModal() { stopModalWithCode(NSModalResponseStop); }
     void abortModal() { stopModalWithCode(NSModalResponseAbort); }
 
+    // Shows the sheet over the window, which gets no input until endSheet, and returns at once. Other windows
+    // can be used. Without a window it is modal to all. There is neither delegate nor end selector here: they
+    // are not used.
+    void beginSheet_modalForWindow_modalDelegate_didEndSelector_contextInfo(NSWindow& sheet, NSWindow* window,
+                                                                            NSObject* modalDelegate,
+                                                                            const SEL& didEndSelector,
+                                                                            void* contextInfo);
+    // The window gets input again; the sheet stays until it is ordered out. Does nothing to other windows.
+    void endSheet(NSWindow& sheet);
+
     // Windows that were shown and not closed, in the order in which they were first shown.
     std::vector<std::shared_ptr<NSWindow>> windows() const { return windows_; }
     NSWindow* keyWindow() const;

@@ -193,6 +193,27 @@ void NSWindow::showModal() {
     peer_->showModal();
 }
 
+void NSWindow::showAsSheet(NSWindow* parent) {
+    if (!installation()) return;
+    wasShown();
+    if (!peer_) realise();
+    isSheet_ = true;
+    sheetParent_ = retained(parent);
+    if (parent) parent->attachedSheet_ = retained(this);
+    if (parent && parent->peer_)
+        peer_->showAsSheet(*parent->peer_);
+    else
+        peer_->showModal();
+}
+
+void NSWindow::endSheet() {
+    if (!isSheet_) return;
+    isSheet_ = false;
+    if (const auto parent = sheetParent_.lock()) parent->attachedSheet_.reset();
+    sheetParent_.reset();
+    if (peer_) peer_->endSheet();
+}
+
 void NSWindow::pressesEnd() {
     if (!leftPressed_.expired()) pressWasEnded_ = true;
     for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) pressed->reset();
@@ -211,6 +232,7 @@ void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
 void NSWindow::orderFront(NSObject*) { show(false); }
 
 void NSWindow::orderOut(NSObject*) {
+    endSheet();
     cancelTracking();
     visible_ = false;
     if (peer_) peer_->hide();

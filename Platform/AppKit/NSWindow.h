@@ -79,6 +79,9 @@ public:
     void close();                        // does not ask
     bool isVisible() const { return visible_; }
     bool isKeyWindow() const { return key_; }
+    // Over another window, which gets no input meanwhile; and that window's, null without one.
+    bool isSheet() const { return isSheet_; }
+    NSWindow* attachedSheet() const { return attachedSheet_.lock().get(); }
 
     // The window itself at first. Answers false only where the one before did not resign.
     NSResponder* firstResponder() const;
@@ -134,6 +137,8 @@ private:
     void update();
     bool shouldClose();
     void showModal();
+    void showAsSheet(NSWindow* parent);
+    void endSheet();
     void pressesEnd();
     void wasShown();
     void wasHidden();
@@ -166,6 +171,8 @@ private:
     bool open_ = false; // shown, and not closed since
     bool closing_ = false;
     bool key_ = false;
+    bool isSheet_ = false;
+    std::weak_ptr<NSWindow> attachedSheet_, sheetParent_;
     bool pressWasEnded_ = false; // by something else than the release
     bool updateScheduled_ = false;
     unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up

@@ -71,6 +71,7 @@ public:
     bool selectable = false;
     bool allSelected = false;
     bool isDefault = false;
+    port::Progress progress;
     bool scrolls = false;
 };
 
@@ -88,6 +89,8 @@ public:
     std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
     std::unique_ptr<port::LabelPeer> makeScrollingText(port::ViewPeer& parent,
                                                        port::ViewClient& client) override;
+    std::unique_ptr<port::ProgressPeer> makeProgress(port::ViewPeer& parent, port::ViewClient& client,
+                                                     bool spinning) override;
     std::unique_ptr<port::TextFieldPeer> makeTextField(port::ViewPeer& parent, port::ViewClient& client,
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
@@ -142,6 +145,11 @@ public:
     std::optional<CGRect> frameInContent(std::string_view viewName) const override;
     std::string labelText(std::string_view viewName) const override { return named(viewName).text; }
     std::vector<std::string> traits(std::string_view viewName) const override;
+    double shownProgress(std::string_view viewName) const override {
+        const auto& progress = named(viewName).progress;
+        return progress.indeterminate ? -1 : progress.fraction;
+    }
+    bool isSheet() const override { return sheetParent != nullptr; }
     std::vector<std::string> viewNames() const override;
 
     bool isBlocked() const; // by a modal window
@@ -163,6 +171,7 @@ public:
     bool key = false;
     bool updateScheduled = false;
     int modal = 0; // 0: not; else counts up with each
+    const WindowImplementation* sheetParent = nullptr;
     View* root = nullptr;
     View* focused = nullptr;
     View* pressedButton = nullptr;
@@ -232,6 +241,13 @@ struct LabelPeer final : PeerOf<port::LabelPeer> {
     void setAppearance(const FontDescription&, const Colour&, NSTextAlignment) override { view->dirty = true; }
 };
 
+struct ProgressPeer final : PeerOf<port::ProgressPeer> {
+    void setProgress(const port::Progress& progress) override {
+        view->progress = progress;
+        view->dirty = true;
+    }
+};
+
 struct TextFieldPeer final : PeerOf<port::TextFieldPeer> {
     void setText(const std::string& text) override { view->text = text; }
     void setLook(const port::TextFieldLook& look) override {
@@ -275,9 +291,15 @@ struct WindowPeer final : port::WindowPeer {
         window->modal = ++window->system.modalWindows;
         show(true);
     }
+    void showAsSheet(port::WindowPeer& parent) override {
+        window->sheetParent = dynamic_cast<WindowPeer&>(parent).window.get();
+        show(true);
+    }
+    void endSheet() override { window->sheetParent = nullptr; }
     void hide() override {
         window->visible = false;
         window->modal = 0;
+        window->sheetParent = nullptr;
         window->setKey(false);
     }
     void close() override { window->client->peerClosed(); }
@@ -355,8 +377,9 @@ bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::ui
 }
 
 bool WindowImplementation::isBlocked() const {
-    return std::ranges::any_of(system.windows,
-                               [this](const auto* other) { return other->visible && other->modal > modal; });
+    return std::ranges::any_of(system.windows, [this](const auto* other) {
+        return other->visible && (other->modal > modal || other->sheetParent == this);
+    });
 }
 
 bool WindowImplementation::send(InputEvent event) {
@@ -569,6 +592,11 @@ std::unique_ptr<port::LabelPeer> System::makeScrollingText(port::ViewPeer& paren
     auto peer = attach(std::make_unique<LabelPeer>(), parent, client);
     peer->view->scrolls = true;
     return peer;
+}
+
+std::unique_ptr<port::ProgressPeer> System::makeProgress(port::ViewPeer& parent, port::ViewClient& client,
+                                                         bool) {
+    return attach(std::make_unique<ProgressPeer>(), parent, client);
 }
 
 std::unique_ptr<port::TextFieldPeer> System::makeTextField(port::ViewPeer& parent, port::ViewClient& client,

@@ -55,7 +55,9 @@ public:
     // Of a field: "editable", "selectable", "bezel", "background", "ring", "all selected"; of a button
     // "default"; of a label "scrolls".
     virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
-    virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
+    virtual double shownProgress(std::string_view viewName) const = 0; // 0 to 1; -1 while it is not known
+    virtual bool isSheet() const = 0;                                  // over another window at the moment
+    virtual std::vector<std::string> viewNames() const = 0;            // from back to front, superviews first
 };
 
 struct Options {

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QRegion>
 #include <QWidget>
@@ -106,6 +107,35 @@ public:
     ~ScrollingTextWidget() override;
 
     port::ViewClient* client;
+};
+
+// A bar that fills, or goes to and fro.
+class ProgressBarWidget final : public QProgressBar {
+public:
+    ProgressBarWidget(QWidget* parent, port::ViewClient& viewClient);
+    ~ProgressBarWidget() override;
+    void setProgress(const port::Progress& progress);
+
+    port::ViewClient* client;
+};
+
+// Something round that turns, or fills.
+class SpinnerWidget final : public QWidget {
+public:
+    SpinnerWidget(QWidget* parent, port::ViewClient& viewClient);
+    ~SpinnerWidget() override;
+    void setProgress(const port::Progress& progress);
+
+    port::ViewClient* client;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    port::Progress progress_;
+    int timer_ = 0;
+    int turned_ = 0; // spokes
 };
 
 // Text on one line that the user edits.
@@ -207,6 +237,15 @@ public:
     void setText(const std::string& text) override;
     void setWraps(bool wraps) override;
     void setAppearance(const FontDescription& font, const Colour& colour, NSTextAlignment alignment) override;
+};
+
+template <class Widget>
+class ProgressPeerOf final : public PeerOf<port::ProgressPeer, Widget> {
+public:
+    using PeerOf<port::ProgressPeer, Widget>::PeerOf;
+    void setProgress(const port::Progress& progress) override {
+        if (this->widget_) this->widget_->setProgress(progress);
+    }
 };
 
 class ScrollingTextPeer final : public PeerOf<port::LabelPeer, ScrollingTextWidget> {

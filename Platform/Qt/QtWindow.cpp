@@ -53,6 +53,19 @@ void WindowWidget::resizeEvent(QResizeEvent*) {
     if (client) client->peerContentResized(sizeOf(size()));
 }
 
+void WindowWidget::placeSheet() {
+    if (!sheetParent) return;
+    const QPoint top = sheetParent->mapToGlobal(QPoint(0, 0));
+    move(top + QPoint((sheetParent->width() - width()) / 2, 0));
+}
+
+// A sheet follows its parent.
+bool WindowWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == sheetParent && (event->type() == QEvent::Move || event->type() == QEvent::Resize))
+        placeSheet();
+    return false;
+}
+
 void WindowWidget::moveEvent(QMoveEvent*) {
     if (client) client->peerMoved();
 }
@@ -106,6 +119,33 @@ void WindowPeer::showModal() {
         widget->move(inFront->frameGeometry().center() - widget->rect().center());
     }
     show(true);
+}
+
+void WindowPeer::showAsSheet(port::WindowPeer& parent) {
+    const QPointer<WindowWidget> widget = widget_;
+    auto* const over = dynamic_cast<WindowPeer*>(&parent);
+    if (!widget) return;
+    widget->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    widget->setWindowModality(over && over->widget_ ? Qt::WindowModal : Qt::ApplicationModal);
+    widget->winId(); // there is a window from here on
+    if (over && over->widget_) {
+        widget->sheetParent = over->widget_;
+        widget->windowHandle()->setTransientParent(over->widget_->windowHandle());
+        over->widget_->installEventFilter(widget);
+        widget->placeSheet();
+    }
+    show(true);
+}
+
+void WindowPeer::endSheet() {
+    if (!widget_) return;
+    if (widget_->sheetParent) widget_->sheetParent->removeEventFilter(widget_);
+    widget_->sheetParent = nullptr;
+    // Qt blocks the parent for as long as a modal window is visible.
+    const bool visible = widget_->isVisible();
+    widget_->hide();
+    widget_->setWindowModality(Qt::NonModal);
+    if (visible) widget_->show();
 }
 
 void WindowPeer::hide() {

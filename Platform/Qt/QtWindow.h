@@ -18,7 +18,11 @@ public:
 
     port::WindowClient* client; // null once the peer is gone
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
+    void placeSheet(); // where it belongs over its parent
+    QPointer<QWidget> sheetParent;
     QPointer<ViewWidget> contentWidget;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -40,6 +44,8 @@ public:
 
     void show(bool activate) override;
     void showModal() override;
+    void showAsSheet(port::WindowPeer& parent) override;
+    void endSheet() override;
     void hide() override;
     void close() override;
     void setTitle(const std::string& title) override;

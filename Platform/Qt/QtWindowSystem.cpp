@@ -99,6 +99,12 @@ std::unique_ptr<port::LabelPeer> QtWindowSystem::makeLabel(port::ViewPeer& paren
     return makePeer<LabelPeer, LabelWidget>(parent, client);
 }
 
+std::unique_ptr<port::ProgressPeer> QtWindowSystem::makeProgress(port::ViewPeer& parent,
+                                                                 port::ViewClient& client, bool spinning) {
+    if (spinning) return makePeer<ProgressPeerOf<SpinnerWidget>, SpinnerWidget>(parent, client);
+    return makePeer<ProgressPeerOf<ProgressBarWidget>, ProgressBarWidget>(parent, client);
+}
+
 std::unique_ptr<port::LabelPeer> QtWindowSystem::makeScrollingText(port::ViewPeer& parent,
                                                                    port::ViewClient& client) {
     return makePeer<ScrollingTextPeer, ScrollingTextWidget>(parent, client);

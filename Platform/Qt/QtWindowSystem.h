@@ -27,6 +27,8 @@ public:
     std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
     std::unique_ptr<port::LabelPeer> makeScrollingText(port::ViewPeer& parent,
                                                        port::ViewClient& client) override;
+    std::unique_ptr<port::ProgressPeer> makeProgress(port::ViewPeer& parent, port::ViewClient& client,
+                                                     bool spinning) override;
     std::unique_ptr<port::TextFieldPeer> makeTextField(port::ViewPeer& parent, port::ViewClient& client,
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,

@@ -90,6 +90,19 @@ public:
     virtual CGSize naturalSize() const = 0;
 };
 
+struct Progress {
+    double fraction = 0; // 0 to 1
+    bool indeterminate = false;
+    bool running = false; // moves, where it is indeterminate
+    bool visible = true;
+    bool operator==(const Progress&) const = default;
+};
+
+class ProgressPeer : public virtual ViewPeer {
+public:
+    virtual void setProgress(const Progress& progress) = 0;
+};
+
 class WindowClient {
 public:
     virtual ~WindowClient() = default;
@@ -120,6 +133,10 @@ public:
     // In front of all other windows, in the middle of the one that was in front; they get no input until this
     // one is hidden or closed.
     virtual void showModal() = 0;
+    // Over the parent's upper edge, in the middle of it, and moving with it; the parent gets no input until
+    // this one is hidden or closed. Other windows do.
+    virtual void showAsSheet(WindowPeer& parent) = 0;
+    virtual void endSheet() = 0; // stays visible, and blocks nothing any more
     virtual void hide() = 0;
     virtual void close() = 0; // without asking the client; a host may decline
     virtual void setTitle(const std::string& title) = 0;

@@ -33,6 +33,8 @@ public:
     virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
     // Of many lines, with a bar to scroll it.
     virtual std::unique_ptr<LabelPeer> makeScrollingText(ViewPeer& parent, ViewClient& client) = 0;
+    // A bar, or something round.
+    virtual std::unique_ptr<ProgressPeer> makeProgress(ViewPeer& parent, ViewClient& client, bool spinning) = 0;
     virtual std::unique_ptr<TextFieldPeer> makeTextField(ViewPeer& parent, ViewClient& client,
                                                          TextFieldClient& field) = 0;
     virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,

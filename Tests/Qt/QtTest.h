@@ -43,6 +43,7 @@ protected:
             if (QGuiApplication::mouseButtons().testFlag(button)) QTest::mouseRelease(handle(), button);
     }
 
+public:
     // Handles what has been posted, painting included.
     static void settle() {
         for (int i = 0; i < 3; ++i) {
@@ -52,6 +53,7 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
+protected:
     static QWidget* topLevel() {
         for (QWidget* widget : QApplication::topLevelWidgets())
             if (widget->windowTitle() == "window under test") return widget;

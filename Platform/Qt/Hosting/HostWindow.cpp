@@ -40,6 +40,8 @@ public:
         if (top && activate) top->activateWindow();
     }
     void showModal() override { show(true); } // a host decides on modality itself
+    void showAsSheet(port::WindowPeer&) override { show(true); }
+    void endSheet() override {}
     void hide() override {
         if (top_) top_->hide();
     }
