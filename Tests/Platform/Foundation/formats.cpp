@@ -1,15 +1,13 @@
-#include "Support/TemporaryFolder.h"
+#include "Support/CommaLocales.h"
 
 #include <Foundation/NSString.h>
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <locale>
 
 namespace zr {
 
@@ -225,12 +223,6 @@ TEST(Formats, TextsOfArgumentsAreNoFormats) {
 
 namespace {
 
-class CommaPoint : public std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 void expectPoints() {
     EXPECT_EQ(stringWithFormat("%.2f %g %e %@ %d", 1234.5, 0.5, 2.5, 1234.5, 1234567),
               "1234.50 0.5 2.500000e+00 1234.5 1234567");
@@ -239,26 +231,14 @@ void expectPoints() {
 } // namespace
 
 TEST(Formats, TheLanguageOfTheProgramChangesNoNumber) {
-    const auto before = std::locale::global(std::locale(std::locale::classic(), new CommaPoint));
+    const test::CommaInStreams comma;
     expectPoints();
-    std::locale::global(before);
 }
 
 TEST(Formats, TheLanguageOfTheSystemChangesNoNumber) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    const test::TemporaryFolder folder;
-    constexpr const char* kGerman = "de_DE.UTF-8";
-    if (!std::setlocale(LC_ALL, kGerman)) {
-        const auto own = (folder.path() / kGerman).string();
-        const int made = std::system(("localedef -i de_DE -f UTF-8 '" + own + "' >/dev/null 2>&1").c_str());
-        setenv("LOCPATH", folder.path().c_str(), 1);
-        const bool set = made == 0 && std::setlocale(LC_ALL, kGerman);
-        unsetenv("LOCPATH");
-        if (!set) GTEST_SKIP() << "the system has no German locale and cannot make one";
-    }
-    EXPECT_STREQ(std::localeconv()->decimal_point, ",");
+    const test::CommaInC comma;
+    if (!comma.isSet()) GTEST_SKIP() << comma.whyNot();
     expectPoints();
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 } // namespace zr
