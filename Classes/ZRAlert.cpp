@@ -63,19 +63,22 @@ void ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(
     const Actions& actions, const std::string& title, const std::optional<std::string>& info,
     unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander,
     const BeforeRun& beforeRun) {
+    // Whose these are may be gone when the user has answered.
+    const Actions chosen = actions;
+    const ClickHandler handler = clickHander;
     const auto alert = make<NSAlert>();
     alert->setAlertStyle(static_cast<NSAlertStyle>(alertStyle));
     alert->setMessageText(title);
     alert->setInformativeText(info.value_or(""));
-    for (const auto& action : actions) alert->addButtonWithTitle(action->title());
+    for (const auto& action : chosen) alert->addButtonWithTitle(action->title());
     if (accessoryView) alert->setAccessoryView(accessoryView);
     if (beforeRun) beforeRun(*alert);
     // Unsigned: a response below the first button's is far beyond the last one.
     const auto index = static_cast<std::size_t>(alert->runModal()) - std::size_t{NSAlertFirstButtonReturn};
-    if (index >= actions.size()) return;
-    const auto action = actions[index];
+    if (index >= chosen.size()) return;
+    const auto& action = chosen[index];
     if (const auto block = action->actionBlock()) block();
-    if (clickHander) clickHander(*action);
+    if (handler) handler(*action);
 }
 
 } // namespace zr

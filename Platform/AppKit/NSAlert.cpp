@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace zr {
 
@@ -78,6 +79,10 @@ public:
 
 ZR_CLASS_TABLE(AlertContent)
 
+std::string cancelTitle() {
+    return NSBundle::mainBundle().localizedStringForKey_value_table("Cancel", "", std::nullopt);
+}
+
 // A label whose text has been broken into lines that fit; its height is theirs.
 std::shared_ptr<NSTextField> paragraph(const std::string& text, const NSFont& font, double width) {
     const TextAttributes attributes{font, NSColor::labelColor()};
@@ -113,11 +118,18 @@ std::shared_ptr<NSButton> NSAlert::addButtonWithTitle(const std::string& title) 
     auto button = NSButton::buttonWithTitle_target_action(title, nullptr, "pressed:");
     button->setTarget(shared_from_this());
     button->setTag(NSAlertFirstButtonReturn + static_cast<long>(buttons_.size()));
+    const auto hasEscape = [](const auto& each) { return each->keyEquivalent() == kEscapeCharacter; };
+    if (buttons_.empty())
+        button->setKeyEquivalent(kReturnCharacter);
+    else if (title == cancelTitle() && std::ranges::none_of(buttons_, hasEscape))
+        button->setKeyEquivalent(kEscapeCharacter);
     buttons_.push_back(button);
     return button;
 }
 
 void NSAlert::pressed(NSObject* sender) {
+    // What was pressed twice has answered once.
+    if (std::exchange(answered_, true)) return;
     if (const auto* button = dynamic_cast<NSButton*>(sender))
         NSApplication::sharedApplication().stopModalWithCode(static_cast<int>(button->tag()));
 }
@@ -129,6 +141,7 @@ NSWindow& NSAlert::window() {
                            NSWindowStyleMaskTitled | NSWindowStyleMaskClosable, NSBackingStoreBuffered, false);
         closing_ = std::make_shared<Closing>();
         window_->setDelegate(closing_);
+        window_->isPanel_ = true;
     }
     return *window_;
 }
@@ -141,19 +154,12 @@ void NSAlert::layOut() {
             "pressed:");
         ok->setTarget(shared_from_this());
         ok->setTag(NSAlertFirstButtonReturn);
+        ok->setKeyEquivalent(kReturnCharacter);
         shown.push_back(ok);
     }
-    // Keys: the first has Return, the one for cancelling Escape, unless it is the first.
-    const std::string cancel =
-        NSBundle::mainBundle().localizedStringForKey_value_table("Cancel", "", std::nullopt);
-    closing_->escape.reset();
-    shown.front()->setKeyEquivalent(kReturnCharacter);
-    for (const auto& button : shown) {
-        if (button->title() != cancel) continue;
-        closing_->escape = button;
-        if (button != shown.front()) button->setKeyEquivalent(kEscapeCharacter);
-        break;
-    }
+    const auto cancels = [cancel = cancelTitle()](const auto& button) { return button->title() == cancel; };
+    const auto cancel = std::ranges::find_if(shown, cancels);
+    closing_->escape = cancel == shown.end() ? nullptr : *cancel;
 
     const NSSize screen = NSScreen::mainScreen().frame().size;
     double textWidth = kTextWidth;
@@ -239,6 +245,7 @@ int NSAlert::runModal() {
     const auto held = retained(this);
     const auto window = retained(&this->window());
     layOut();
+    answered_ = false;
     const int response = NSApplication::sharedApplication().runModalForWindow(*window);
     window->close();
     return response;

@@ -46,7 +46,7 @@ public:
     const std::shared_ptr<NSView>& accessoryView() const { return accessoryView_; }
     void setAccessoryView(const std::shared_ptr<NSView>& view) { accessoryView_ = view; }
 
-    // In the order in which they were added; their tags are their responses.
+    // In the order in which they were added; their tags are their responses, and their keys can be changed.
     const std::vector<std::shared_ptr<NSButton>>& buttons() const { return buttons_; }
     std::shared_ptr<NSButton> addButtonWithTitle(const std::string& title);
 
@@ -68,6 +68,7 @@ private:
     std::vector<std::shared_ptr<NSButton>> buttons_;
     std::shared_ptr<NSWindow> window_;
     std::shared_ptr<Closing> closing_;
+    bool answered_ = false;
 };
 
 enum NSAlertPanelResponse : int {

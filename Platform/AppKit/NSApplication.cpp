@@ -66,7 +66,8 @@ void NSApplication::windowWasShown(NSWindow& window) {
 void NSApplication::windowWasClosed(NSWindow& window) {
     const auto held = retained(&window);
     wakeModal();
-    if (std::erase(windows_, held) == 0 || !windows_.empty() || terminating_) return;
+    if (std::erase(windows_, held) == 0 || held->isPanel_ || terminating_) return;
+    if (!std::ranges::all_of(windows_, [](const auto& each) { return each->isPanel_; })) return;
     const auto delegate = delegate_.lock();
     if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed(*this).value_or(false))
         terminate(this);
@@ -156,6 +157,7 @@ int NSApplication::runModalForWindow(NSWindow& window) {
     auto tracking = std::exchange(tracking_, nullptr);
     const int eventsInHand = std::exchange(eventsInHand_, 0);
     const bool deliversLeftOver = std::exchange(deliversLeftOver_, false);
+    auto leftOver = std::exchange(leftOver_, {});
     if (tracking) tracking->loop->holdBack(false);
 
     const auto modal = std::make_shared<Modal>();
@@ -172,6 +174,8 @@ int NSApplication::runModalForWindow(NSWindow& window) {
         tracking_ = std::move(tracking);
         eventsInHand_ = eventsInHand;
         deliversLeftOver_ = deliversLeftOver;
+        leftOver.insert(leftOver.end(), leftOver_.begin(), leftOver_.end());
+        leftOver_ = std::move(leftOver);
         if (tracking_) {
             tracking_->loop->holdBack(true);
             wakeTracking();

@@ -139,7 +139,7 @@ bool NSTextField::becomeFirstResponder() {
     return true;
 }
 
-bool NSTextField::resignFirstResponder() { return !editable_ || endEditing(movement_); }
+bool NSTextField::resignFirstResponder() { return (!editable_ && !editing_) || endEditing(movement_); }
 
 NSNotification NSTextField::notification(const char* name) { return {name, this}; }
 
@@ -155,27 +155,35 @@ void NSTextField::edited(const std::string& text) {
         editing_ = true;
         if (delegate)
             delegate->controlTextDidBeginEditing(notification("NSControlTextDidBeginEditingNotification"));
+        if (!editing_) return; // the text has been set in the meantime
     }
     text_ = text;
     if (delegate) delegate->controlTextDidChange(notification("NSControlTextDidChangeNotification"));
 }
 
 bool NSTextField::endEditing(NSTextMovement movement) {
+    if (ending_) return true;
     if (asking_) return false; // what is shown in the answer takes the keyboard
     const auto held = retained(this);
     const auto delegate = this->delegate();
     asking_ = true;
     const bool ends = !delegate || delegate->control_textShouldEndEditing(*this, *this).value_or(true);
     asking_ = false;
-    if (ends) didEndEditing(movement);
+    if (ends)
+        didEndEditing(movement);
+    else
+        selectText(nullptr);
     return ends;
 }
 
 void NSTextField::didEndEditing(NSTextMovement movement) {
+    const auto held = retained(this);
     editing_ = false;
     auto ended = notification("NSControlTextDidEndEditingNotification");
     ended.userInfo["NSTextMovement"] = double(movement);
+    const bool outer = std::exchange(ending_, true);
     if (const auto delegate = this->delegate()) delegate->controlTextDidEndEditing(ended);
+    ending_ = outer;
 }
 
 void NSTextField::returned() {
@@ -185,7 +193,7 @@ void NSTextField::returned() {
         sendAction_to(action(), target());
     else if (window())
         window()->performKeyEquivalentOf(kReturnCharacter);
-    selectText(nullptr);
+    if (window() && window()->firstResponder() == this) selectText(nullptr);
 }
 
 bool NSTextField::escaped() {

@@ -149,6 +149,7 @@ private:
     bool bezeled_ = true;
     bool editing_ = false;
     bool asking_ = false;
+    bool ending_ = false; // the delegate is being told
     // The peer, as what it is: one of the two.
     port::LabelPeer* label_ = nullptr;
     port::TextFieldPeer* field_ = nullptr;

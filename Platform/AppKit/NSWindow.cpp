@@ -233,8 +233,8 @@ void NSWindow::orderFront(NSObject*) { show(false); }
 
 void NSWindow::orderOut(NSObject*) {
     endSheet();
-    cancelTracking();
     visible_ = false;
+    cancelTracking();
     if (peer_) peer_->hide();
 }
 
@@ -270,8 +270,8 @@ void NSWindow::wasClosed() {
 }
 
 void NSWindow::wasHidden() {
-    cancelTracking();
     visible_ = false;
+    cancelTracking();
     keyChanged(false);
 }
 
@@ -286,11 +286,15 @@ NSResponder* NSWindow::firstResponder() const {
 }
 
 bool NSWindow::makeFirstResponder(NSResponder* responder) {
+    const auto self = retained(this);
     const auto held = retained(responder);
     const auto old = retained(firstResponder());
-    NSResponder* const wanted = responder ? responder : this;
+    NSResponder* wanted = responder ? responder : this;
     if (wanted == old.get()) return true;
     if (old && old.get() != this && !old->resignFirstResponder()) return false;
+    firstResponder_.reset();
+    // It may have left while the other one was asked.
+    if (const auto* view = dynamic_cast<NSView*>(wanted); view && view->window() != this) wanted = this;
     const bool taken = wanted != this && wanted->becomeFirstResponder();
     firstResponder_ = taken ? retained(wanted) : nullptr;
     focusFirstResponder();
@@ -305,21 +309,24 @@ void NSWindow::focusFirstResponder() {
 }
 
 void NSWindow::peerFocused(NSView& view) {
+    const auto self = retained(this);
     if (closing_ || firstResponder() == &view) return;
     if (!makeFirstResponder(&view)) focusFirstResponder();
 }
 
 // The focus is where its owner wants it: nothing is to be focused here, and nobody is asked.
 void NSWindow::focusLeft() {
+    const auto self = retained(this);
     if (const auto first = firstResponder_.lock()) first->resignFirstResponder();
     firstResponder_.reset();
 }
 
 void NSWindow::endEditingFor(NSObject*) {
+    const auto self = retained(this);
     if (auto* const field = dynamic_cast<NSTextField*>(firstResponder())) {
         const auto held = retained(field);
         firstResponder_.reset();
-        if (field->isEditable()) field->didEndEditing(NSOtherTextMovement);
+        if (field->isEditable() || field->isEditing()) field->didEndEditing(NSOtherTextMovement);
         focusFirstResponder();
     }
 }
@@ -380,10 +387,16 @@ void NSWindow::keyDown(const NSEvent& event) {
 }
 
 void NSWindow::viewWillLeave(NSView& view) {
-    auto* const first = dynamic_cast<NSView*>(firstResponder());
+    const auto self = retained(this);
+    const auto first = retained(dynamic_cast<NSView*>(firstResponder()));
     if (first && first->isDescendantOf(view)) {
-        makeFirstResponder(nullptr);
-        firstResponder_.reset(); // whatever it said
+        // Whatever it says, it leaves.
+        if (!makeFirstResponder(nullptr)) {
+            firstResponder_.reset();
+            auto* const field = dynamic_cast<NSTextField*>(first.get());
+            if (field && field->isEditing() && !field->asking_) field->didEndEditing(NSOtherTextMovement);
+            focusFirstResponder();
+        }
     }
     for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) {
         const auto pressedView = pressed->lock();
@@ -395,7 +408,9 @@ void NSWindow::viewWillLeave(NSView& view) {
 
 void NSWindow::cancelTracking() {
     ++cancellations_;
-    if (installation()) NSApplication::sharedApplication().wakeTracking();
+    if (!installation()) return;
+    NSApplication::sharedApplication().wakeTracking();
+    NSApplication::sharedApplication().wakeModal();
 }
 
 std::optional<NSEvent> NSWindow::nextEventMatchingMask(NSEventMask mask) {

@@ -126,6 +126,7 @@ private:
     friend struct Installation;
     struct Client;
 
+    friend class NSAlert;
     friend class NSTextField;
     void selectKeyView(NSView* from, bool backwards);
     bool performKeyEquivalentOf(const char* characters);
@@ -172,6 +173,7 @@ private:
     bool closing_ = false;
     bool key_ = false;
     bool isSheet_ = false;
+    bool isPanel_ = false; // comes and goes by itself, and is no reason to quit, or to go on
     std::weak_ptr<NSWindow> attachedSheet_, sheetParent_;
     bool pressWasEnded_ = false; // by something else than the release
     bool updateScheduled_ = false;

@@ -108,6 +108,10 @@ public:
 
     void display();
     void tellAppearance(Appearance before);
+    bool has(const WindowImplementation* window) const {
+        return std::ranges::find(windows, window) != windows.end();
+    }
+    void giveKeyBack(); // to the window shown last
 
     Options options;
     std::shared_ptr<Queues> queues;
@@ -281,7 +285,11 @@ struct WindowPeer final : port::WindowPeer {
         : window(std::move(implementation)) {
         window->system.windows.push_back(window.get());
     }
-    ~WindowPeer() override { std::erase(window->system.windows, window.get()); }
+    ~WindowPeer() override {
+        auto& platform = window->system;
+        std::erase(platform.windows, window.get());
+        if (window->key) platform.giveKeyBack();
+    }
 
     void show(bool activate) override {
         window->visible = true;
@@ -300,7 +308,10 @@ struct WindowPeer final : port::WindowPeer {
         window->visible = false;
         window->modal = 0;
         window->sheetParent = nullptr;
+        const bool wasKey = window->key;
+        auto& platform = window->system;
         window->setKey(false);
+        if (wasKey) platform.giveKeyBack();
     }
     void close() override { window->client->peerClosed(); }
     void setTitle(const std::string& title) override { window->title_ = title; }
@@ -391,7 +402,9 @@ bool WindowImplementation::send(InputEvent event) {
     View* const hit = root && isMouseEvent(event.type) ? root->at(event.location) : nullptr;
     bool taken = true;
     if (event.type == NSEventTypeLeftMouseDown && hit && hit->button) {
-        pressedButton = hit->enabled ? hit : nullptr;
+        if (hit->enabled) focus(hit);
+        if (!platform.has(this)) return true;
+        pressedButton = hit->enabled && focused == hit ? hit : nullptr;
     } else if (pressedButton && event.type == NSEventTypeLeftMouseDragged) {
         // Held.
     } else if (pressedButton && event.type == NSEventTypeLeftMouseUp) {
@@ -402,6 +415,7 @@ bool WindowImplementation::send(InputEvent event) {
         if (focused->enabled) focused->button->peerPressed();
     } else if (event.type == NSEventTypeLeftMouseDown && hit && hit->field) {
         if (hit->enabled && hit->selectable) focus(hit);
+        if (!platform.has(this)) return true;
         if (focused == hit) hit->allSelected = false; // the caret goes to where the press was
     } else if (focused && focused->field && event.type == NSEventTypeKeyDown && typed(event)) {
         // The field had it.
@@ -476,7 +490,7 @@ void WindowImplementation::moveByUser(CGPoint contentOrigin) {
 bool WindowImplementation::closeByUser() {
     auto& platform = system;
     if (isBlocked() || !client->peerShouldClose()) return false;
-    client->peerClosed();
+    if (platform.has(this)) client->peerClosed();
     platform.display();
     return true;
 }
@@ -484,8 +498,8 @@ bool WindowImplementation::closeByUser() {
 void WindowImplementation::setKey(bool nowKey) {
     if (nowKey == key) return;
     if (nowKey)
-        for (auto* other : system.windows)
-            if (other != this) other->setKey(false);
+        for (auto* other : std::vector(system.windows))
+            if (other != this && system.has(other)) other->setKey(false);
     key = nowKey;
     client->peerKeyChanged(key);
 }
@@ -672,6 +686,11 @@ struct TrackingLoop final : port::TrackingLoop {
 std::unique_ptr<port::TrackingLoop> System::beginTracking() {
     stopped = false;
     return std::make_unique<TrackingLoop>(*this);
+}
+
+void System::giveKeyBack() {
+    for (auto window = windows.rbegin(); window != windows.rend(); ++window)
+        if ((*window)->visible) return (*window)->setKey(true);
 }
 
 void System::display() {

@@ -10,21 +10,13 @@ QtTrackingLoop::QtTrackingLoop() { qApp->installEventFilter(this); }
 
 QtTrackingLoop::~QtTrackingLoop() {
     qApp->removeEventFilter(this);
-    handOut();
-}
-
-void QtTrackingLoop::handOut() {
     for (auto& [receiver, event] : heldBack_)
         if (receiver) QCoreApplication::postEvent(receiver, event.release());
-    heldBack_.clear();
 }
 
 void QtTrackingLoop::holdBack(bool holds) {
     qApp->removeEventFilter(this);
-    if (holds)
-        qApp->installEventFilter(this);
-    else
-        handOut();
+    if (holds) qApp->installEventFilter(this);
 }
 
 bool QtTrackingLoop::wait() {

@@ -28,7 +28,6 @@ public:
 
 private:
     std::vector<QEventLoop*> loops_; // those that run, the innermost last
-    void handOut();
 
     std::vector<std::pair<QPointer<QObject>, std::unique_ptr<QEvent>>> heldBack_;
     bool woken_ = false;

@@ -351,6 +351,20 @@ ButtonWidget::ButtonWidget(QWidget* parent, port::ViewClient& viewClient, port::
 
 ButtonWidget::~ButtonWidget() { tellGone(client); }
 
+// Qt gives the focus first. Where it was taken back, because another view did not let it go, the press is over.
+static bool wasRefusedFocus(const QWidget& widget, const QMouseEvent& event) {
+    return event.button() == Qt::LeftButton && (widget.focusPolicy() & Qt::ClickFocus) != 0 &&
+           widget.window()->focusWidget() != &widget;
+}
+
+void ButtonWidget::mousePressEvent(QMouseEvent* event) {
+    if (!wasRefusedFocus(*this, *event)) QPushButton::mousePressEvent(event);
+}
+
+void TextFieldWidget::mousePressEvent(QMouseEvent* event) {
+    if (!wasRefusedFocus(*this, *event)) QLineEdit::mousePressEvent(event);
+}
+
 void ButtonWidget::focusInEvent(QFocusEvent* event) {
     QPushButton::focusInEvent(event);
     if (client) client->peerFocusChanged(true);

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QScreen>
 #include <QWindow>
 
 #include <algorithm>
@@ -82,6 +83,7 @@ WindowPeer::WindowPeer(port::WindowClient& client, CGSize contentSize, bool resi
 }
 
 WindowPeer::~WindowPeer() {
+    if (behind_ && behind_->isVisible()) behind_->activateWindow();
     if (widget_) widget_->link->client = nullptr;
     letGo(widget_);
 }
@@ -117,6 +119,9 @@ void WindowPeer::showModal() {
     if (inFront && inFront != widget) {
         widget->windowHandle()->setTransientParent(inFront->windowHandle());
         widget->move(inFront->frameGeometry().center() - widget->rect().center());
+        behind_ = inFront;
+    } else {
+        widget->move(widget->screen()->availableGeometry().center() - widget->rect().center());
     }
     show(true);
 }

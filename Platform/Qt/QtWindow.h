@@ -59,6 +59,7 @@ public:
 
 private:
     QPointer<WindowWidget> widget_;
+    QPointer<QWidget> behind_; // which was in front before this one was shown as modal
     bool resizable_;
 };
 

@@ -51,7 +51,7 @@ public:
     // reason, and nothing more is to come. May be nested.
     virtual bool wait() = 0;
     virtual void wake() = 0; // every wait that is under way
-    // Whether input for others is held back, as it is at first; what was is handed out when that ends.
+    // Whether input for others is held back, as it is at first.
     virtual void holdBack(bool holds) = 0;
 };
 
