@@ -8,7 +8,7 @@
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSLog.h>
 
-#include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -18,6 +18,8 @@ namespace zr {
 ZR_CLASS_TABLE(NSNib)
 
 namespace {
+
+constexpr std::uintmax_t kMaximumBytes = std::uintmax_t{16} << 20;
 
 using Objects = std::vector<std::shared_ptr<NSObject>>;
 
@@ -154,7 +156,7 @@ bool NSNib::initWithContentsOfFile(const std::filesystem::path& path) {
         std::error_code error;
         const auto size = std::filesystem::file_size(path, error);
         if (error) throw nib::Broken(error.message());
-        if (size > nib::kMaximumBytes) throw nib::Broken("too large");
+        if (size > kMaximumBytes) throw nib::Broken("too large");
         std::ifstream stream(path, std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
         file_ = std::make_unique<const nib::File>(nib::read(

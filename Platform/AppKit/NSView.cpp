@@ -9,7 +9,7 @@
 
 namespace zr {
 
-ZR_CLASS_TABLE(NSView)
+ZR_CLASS_TABLE(NSView, .outlets = {outletNamed<&NSView::setNextKeyView>("nextKeyView")})
 
 struct NSView::Client final : port::ViewClient {
     explicit Client(NSView& owner) : view(owner) {}

@@ -229,7 +229,6 @@ private:
 } // namespace
 
 File read(std::string_view bytes, const Notes& note) {
-    if (bytes.size() > kMaximumBytes) throw Broken("too large");
     pugi::xml_document document;
     const auto parsed =
         document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);

@@ -58,8 +58,7 @@ struct File {
     std::vector<Attribute> attributes;
 };
 
-// The greatest file and the deepest nesting that are read.
-inline constexpr std::size_t kMaximumBytes = std::size_t{16} << 20;
+// The deepest nesting that is read.
 inline constexpr int kMaximumDepth = 256;
 
 // Throws Broken.

@@ -62,6 +62,11 @@ TEST_F(NibConnections, OutletsLeadToTheOwnerToo) {
     EXPECT_EQ(top<NibProbe>(1)->owner.lock(), owner_);
 }
 
+TEST_F(NibConnections, OutletsOfViewsLeadAroundTheKeyboard) {
+    ASSERT_TRUE(open(view(connections(outlet("nextKeyView", "b"))) + button("")));
+    EXPECT_EQ(top<NSView>(0)->nextKeyView(), top_[1].get());
+}
+
 TEST_F(NibConnections, AnActionGoesToItsTarget) {
     ASSERT_TRUE(open(button("<action selector=\"press:\" target=\"-2\" id=\"a\"/>") + placeholder("-2", "")));
     EXPECT_THAT(log_, IsEmpty());

@@ -79,6 +79,7 @@ TEST_F(NibKitFiles, TheProgressSheetHasEveryOutletAndActionInItsPlace) {
     EXPECT_EQ(owner->progress->font(), NSFont::systemFontOfSize(11));
     EXPECT_EQ(owner->progress->textColor(), NSColor::secondaryLabelColor());
     EXPECT_EQ(owner->cancel->title(), "Cancel");
+    EXPECT_EQ(owner->cancel->keyEquivalent(), kEscapeCharacter);
     EXPECT_TRUE(owner->cancel->isEnabled());
     owner->cancel->performClick(nullptr);
     EXPECT_THAT(owner->cancelled, ElementsAre(owner->cancel.get()));

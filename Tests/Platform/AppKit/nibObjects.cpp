@@ -117,6 +117,7 @@ TEST_F(NibObjects, AButtonIsReadFromItsCell) {
     const auto button = top<NSButton>(0);
     EXPECT_EQ(button->title(), "Go");
     EXPECT_FALSE(button->isEnabled());
+    EXPECT_EQ(button->keyEquivalent(), "");
     EXPECT_EQ(button->font(), NSFont::systemFontOfSize(11));
     EXPECT_EQ(button->frame(), NSMakeRect(1, 2, 3, 4));
 }
@@ -133,6 +134,25 @@ TEST_F(NibObjects, ATextFieldIsReadFromItsCell) {
     EXPECT_EQ(field->font().description(), (FontDescription{"Helvetica", 20, true, false}));
     EXPECT_EQ(field->textColor(), NSColor({SystemColour::none, 1, 0.5, 0.25, 0.75}));
     EXPECT_TRUE(field->isEnabled());
+}
+
+TEST_F(NibObjects, AFieldIsEditedOnlyWhereTheFileSaysSo) {
+    const auto field = [this](const std::string& attributes, const std::string& contents = {}) {
+        EXPECT_TRUE(open("<textField id=\"t\"><textFieldCell key=\"cell\" id=\"k\" " + attributes + ">" +
+                         contents + "</textFieldCell></textField>"));
+        return top<NSTextField>(0);
+    };
+    const auto label = field("");
+    EXPECT_FALSE(label->isEditable() || label->isSelectable() || label->isBezeled() ||
+                 label->drawsBackground());
+    const auto edited = field("editable=\"YES\" borderStyle=\"bezel\" drawsBackground=\"YES\"",
+                              "<color key=\"backgroundColor\" white=\"1\" colorSpace=\"calibratedWhite\"/>");
+    EXPECT_TRUE(edited->isEditable() && edited->isSelectable() && edited->isBezeled() &&
+                edited->drawsBackground());
+    EXPECT_EQ(edited->backgroundColor(), NSColor({SystemColour::none, 1, 1, 1, 1}));
+    const auto selected = field("selectable=\"YES\"");
+    EXPECT_FALSE(selected->isEditable());
+    EXPECT_TRUE(selected->isSelectable());
 }
 
 TEST_F(NibObjects, AKitClassIsMadeInPlaceOfTheUsualOne) {

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <limits>
 #include <set>
+#include <stdexcept>
 
 namespace zr {
 
@@ -213,6 +214,20 @@ TEST(ClassTables, AnOutletMayBeAProtocolThatTheObjectAdopts) {
     EXPECT_EQ(shape->listener.lock(), circle);
 }
 
+TEST(ClassTables, AnOutletSaysWhatItTakesWithoutTakingIt) {
+    const auto shape = make<Shape>();
+    const auto circle = make<Circle>();
+    const Outlet& next = *shape->class_().findOutlet("next");
+    const Outlet& listener = *shape->class_().findOutlet("listener");
+    EXPECT_TRUE(next.accepts(circle));
+    EXPECT_FALSE(next.accepts(make<NSObject>()));
+    EXPECT_TRUE(next.accepts(nullptr));
+    EXPECT_TRUE(listener.accepts(circle));
+    EXPECT_FALSE(listener.accepts(shape));
+    EXPECT_FALSE(shape->next);
+    EXPECT_TRUE(shape->listener.expired());
+}
+
 TEST(ClassTables, AttributesOfEachKindAreAssigned) {
     const auto shape = make<Shape>();
     EXPECT_TRUE(assign(*shape, "title", std::string("Round")));
@@ -323,6 +338,20 @@ TEST(ClassTables, EveryListedClassIsFoundByItsNameAndMakesItself) {
 TEST(ClassTables, AnUnknownNameIsNoClass) {
     for (const auto* name : {"", "NSview", "NSViewX", "NSVie", " NSView", "Circle"})
         EXPECT_FALSE(NSClassFromString(name)) << name;
+}
+
+TEST(ClassTables, AnApplicationsClassIsKnownOnceItIsRegistered) {
+    EXPECT_FALSE(NSClassFromString("NoCoder"));
+    for (int i = 0; i < 2; ++i) {
+        registerClass(NoCoder::classTable());
+        EXPECT_EQ(NSClassFromString("NoCoder"), &NoCoder::classTable());
+    }
+}
+
+TEST(ClassTables, ANameThatIsTakenIsNotRegistered) {
+    const ClassTable view{.name = "NSView", .superclass = &NSObject::classTable()};
+    EXPECT_THROW(registerClass(view), std::logic_error);
+    EXPECT_EQ(NSClassFromString("NSView"), &NSView::classTable());
 }
 
 TEST(ClassTables, AKitClassAnswersToItsSuperclassesNames) {
