@@ -2,6 +2,7 @@
 #include "QtDueWork.h"
 #include "QtEvents.h"
 #include "QtViews.h"
+#include "QtWindow.h"
 
 #include <QApplication>
 #include <QPaintEvent>
@@ -323,9 +324,26 @@ void TextFieldWidget::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+// In the kit's own windows Tab goes the kit's way. In a host's window Qt's order leads through all widgets.
+static bool ordersItsTabs(const QWidget& widget) {
+    return dynamic_cast<const WindowWidget*>(widget.window()) != nullptr;
+}
+
+// Qt asks this, too, when it disables the widget.
 bool TextFieldWidget::focusNextPrevChild(bool next) {
+    if (!ordersItsTabs(*this)) return QLineEdit::focusNextPrevChild(next);
+    if (!isEnabled()) return false;
     if (client) field->peerTab(!next);
     return true;
+}
+
+// Not here: the key goes on to the window.
+bool ButtonWidget::focusNextPrevChild(bool next) {
+    return !ordersItsTabs(*this) && QPushButton::focusNextPrevChild(next);
+}
+
+bool ViewWidget::focusNextPrevChild(bool next) {
+    return !ordersItsTabs(*this) && QWidget::focusNextPrevChild(next);
 }
 
 void TextFieldWidget::focusInEvent(QFocusEvent* event) {

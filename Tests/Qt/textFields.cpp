@@ -58,6 +58,15 @@ private:
 
 } // namespace
 
+namespace {
+class FocusableView : public NSView {
+public:
+    ZR_CLASS(FocusableView, NSView)
+    bool acceptsFirstResponder() const override { return true; }
+};
+ZR_CLASS_TABLE(FocusableView)
+} // namespace
+
 class QtTextFields : public test::QtTest {
 protected:
     void SetUp() override {
@@ -184,6 +193,27 @@ TEST_F(QtTextFields, ReturnInAFieldWithoutAnActionPressesTheDefaultButton) {
     click(*first_);
     key(Qt::Key_Return);
     EXPECT_FALSE(window_->isVisible());
+}
+
+TEST_F(QtTextFields, TabGoesTheKitsWayThroughFieldsButtonsAndViews) {
+    const auto button = NSButton::buttonWithTitle_target_action("Button", nullptr, "nothing:");
+    const auto view = make<FocusableView>(NSMakeRect(200, 10, 20, 20));
+    content_->addSubview(button);
+    content_->addSubview(view);
+    click(*first_);
+    key(Qt::Key_Tab);
+    key(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), button.get());
+    key(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), view.get());
+    key(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), first_.get());
+    key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(window_->firstResponder(), view.get());
+    button->setNextKeyView(first_);
+    window_->makeFirstResponder(button.get());
+    key(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), first_.get());
 }
 
 TEST_F(QtTextFields, TheProgramsOwnChangesSendNothing) {
