@@ -42,6 +42,15 @@ Json button(const NSButton& view) {
     return {{"rect", pixels(view, view.bounds())}, {"enabled", view.isEnabled()}};
 }
 
+Json timeField(const SWTimeEditView& view) {
+    Json result = {{"rect", pixels(view, view.bounds())}};
+    for (const auto& [name, field] :
+         {std::pair{"hours", view.lblHour()}, std::pair{"minutes", view.lblMinite()},
+          std::pair{"seconds", view.lblSecond()}})
+        result[name] = {{"rect", pixels(*field, field->bounds())}, {"text", field->stringValue()}};
+    return result;
+}
+
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(nullptr); }
 
 } // namespace
@@ -51,6 +60,8 @@ std::string describe(const Description& facts, const EditorView& editor) {
     if (!editor.slider()->isHiddenOrHasHiddenAncestor()) {
         views["splitSlider"] = slider(*editor.slider());
         views["progressSlider"] = slider(*editor.positionSlider());
+        views["startField"] = timeField(*editor.startField());
+        views["lengthField"] = timeField(*editor.lengthField());
     }
     views["keepBeforeButton"] = button(*editor.keepBeforeButton());
     views["keepAfterButton"] = button(*editor.keepAfterButton());

@@ -22,6 +22,7 @@ constexpr double kLine = 20;
 constexpr double kTrackInset = 28;
 constexpr double kSliderHeight = 61;
 constexpr double kPositionHeight = 23;
+constexpr zr::NSSize kTimeField = {190, 24};
 
 } // namespace
 
@@ -61,6 +62,14 @@ std::shared_ptr<NSTextField> EditorView::addLabel(const std::string& identifier,
     return label;
 }
 
+std::shared_ptr<SWTimeEditView> EditorView::addTimeField(const std::string& identifier) {
+    auto field = make<SWTimeEditView>(NSRect{NSZeroPoint, kTimeField});
+    field->setIdentifier(identifier);
+    field->awakeFromNib();
+    addSubview(field);
+    return field;
+}
+
 bool EditorView::initWithFrame(const NSRect& frame) {
     if (!NSView::initWithFrame(frame)) return false;
     nameLabel_ = addLabel("nameLabel", NSFont::boldSystemFontOfSize(0), NSTextAlignmentLeft);
@@ -86,6 +95,8 @@ bool EditorView::initWithFrame(const NSRect& frame) {
     startLabel_ = addLabel("startLabel", times, NSTextAlignmentLeft);
     clipLabel_ = addLabel("clipLabel", times, NSTextAlignmentCenter);
     endLabel_ = addLabel("endLabel", times, NSTextAlignmentRight);
+    startField_ = addTimeField("startField");
+    lengthField_ = addTimeField("lengthField");
     messageLabel_ = NSTextField::wrappingLabelWithString("");
     messageLabel_->setIdentifier("messageLabel");
     addSubview(messageLabel_);
@@ -125,6 +136,10 @@ void EditorView::layout() {
                              {std::max(0.0, right - kSpacing - kMargin), twoLines}});
     double bottom = kMargin + buttonHeight + 2 * kSpacing;
 
+    // Each under its label; the fields begin ten points within.
+    startField_->setFrameOrigin({kMargin - 10, bottom});
+    lengthField_->setFrameOrigin({std::floor(kMargin + (width - kTimeField.width) / 2), bottom});
+    bottom += kTimeField.height + kSpacing / 2;
     startLabel_->setFrame({{kMargin, bottom}, {third, kLine}});
     clipLabel_->setFrame({{kMargin + third, bottom}, {width - 2 * third, kLine}});
     endLabel_->setFrame({{kMargin + width - third, bottom}, {third, kLine}});
@@ -140,8 +155,9 @@ void EditorView::layout() {
 }
 
 void EditorView::setEditing(bool editing) {
-    const std::vector<std::shared_ptr<NSView>> views = {
-        waveform_, slider_, positionSlider_, positionLabel_, startLabel_, clipLabel_, endLabel_};
+    const std::vector<std::shared_ptr<NSView>> views = {waveform_,      slider_,     positionSlider_,
+                                                        positionLabel_, startLabel_, clipLabel_,
+                                                        endLabel_,      startField_, lengthField_};
     for (const auto& view : views) view->setHidden(!editing);
 }
 

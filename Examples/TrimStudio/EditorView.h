@@ -5,6 +5,7 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSTextField.h>
 #include <ZRUIKit/ProgressSliderView.h>
+#include <ZRUIKit/SWTimeEditView.h>
 #include <ZRUIKit/SplitSliderView.h>
 
 #include <functional>
@@ -62,6 +63,9 @@ public:
     const std::shared_ptr<zr::NSTextField>& startLabel() const { return startLabel_; }
     const std::shared_ptr<zr::NSTextField>& clipLabel() const { return clipLabel_; }
     const std::shared_ptr<zr::NSTextField>& endLabel() const { return endLabel_; }
+    // The clip's start and length, in whole seconds.
+    const std::shared_ptr<zr::SWTimeEditView>& startField() const { return startField_; }
+    const std::shared_ptr<zr::SWTimeEditView>& lengthField() const { return lengthField_; }
     const std::shared_ptr<zr::NSTextField>& messageLabel() const { return messageLabel_; }
     const std::shared_ptr<zr::NSButton>& saveButton() const { return saveButton_; }
 
@@ -69,6 +73,7 @@ private:
     std::shared_ptr<zr::NSTextField> addLabel(const std::string& identifier, const zr::NSFont& font,
                                               zr::NSTextAlignment alignment);
 
+    std::shared_ptr<zr::SWTimeEditView> addTimeField(const std::string& identifier);
     std::shared_ptr<zr::NSButton> addButton(const std::string& identifier, const std::string& title,
                                             const zr::SEL& action);
 
@@ -81,6 +86,7 @@ private:
     std::shared_ptr<WaveformView> waveform_;
     std::shared_ptr<ClipSlider> slider_;
     std::shared_ptr<zr::NSButton> saveButton_;
+    std::shared_ptr<zr::SWTimeEditView> startField_, lengthField_;
 };
 
 } // namespace trimstudio

@@ -19,8 +19,9 @@ ZR_CLASS_TABLE(TrimWindow, .actions = {actionNamed<&TrimWindow::saveTrimmed>("sa
 
 namespace {
 
-constexpr NSSize kContentSize = {760, 400};
-constexpr NSSize kSmallestContent = {560, 310};
+constexpr NSSize kContentSize = {760, 428};
+constexpr NSSize kSmallestContent = {560, 338};
+constexpr double kShortestClip = 5; // milliseconds, as for the handles
 constexpr std::size_t kPeaks = 4000;
 constexpr double kMillisecondsPerSecond = 1000;
 constexpr double kFrame = 1.0 / 30; // seconds between the steps of playing
@@ -37,6 +38,8 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
     const auto describe = [weak] {
         if (const auto self = weak.lock()) self->describeSoon();
     };
+    editor_->startField()->setDelegate(this);
+    editor_->lengthField()->setDelegate(this);
     editor_->slider()->setDidDraw(describe);
     editor_->positionSlider()->setDidDraw(describe);
     editor_->positionSlider()->setDelegate(retained(this));
@@ -61,6 +64,9 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
 
 void TrimWindow::dealloc() {
     jobs_->cancelled = true;
+    // They do not hold their delegate.
+    editor_->startField()->setDelegate(nullptr);
+    editor_->lengthField()->setDelegate(nullptr);
     NSObject::dealloc();
 }
 
@@ -128,7 +134,46 @@ void TrimWindow::clipChanged() {
     editor_->clipLabel()->setStringValue(stringWithFormat("Length %@", timeText(length)));
     editor_->endLabel()->setStringValue(stringWithFormat("End %@", timeText(start + length)));
     editor_->waveform()->setClip(start, length);
+    const auto show = [](SWTimeEditView& view, double seconds) {
+        // What the user is typing stays.
+        for (const auto& field : {view.lblHour(), view.lblMinite(), view.lblSecond()})
+            if (field->isEditing()) return;
+        view.flushWithSeconds(seconds);
+    };
+    show(*editor_->startField(), start);
+    show(*editor_->lengthField(), length);
     updateButtons();
+}
+
+double TrimWindow::typedTime(const SWTimeEditView& view, double seconds) const {
+    const auto& clip = *editor_->slider()->selectionItem();
+    const double before =
+        (&view == editor_->startField().get() ? clip.dStart() : clip.dLength()) / kMillisecondsPerSecond;
+    const double shown = std::fmod(std::trunc(before), 60);
+    const bool sameSeconds = view.lblSecond()->doubleValue() == shown;
+    return (seconds + (sameSeconds ? before - std::trunc(before) : 0)) * kMillisecondsPerSecond;
+}
+
+bool TrimWindow::SWTimeEditView_isValid(SWTimeEditView& view, double seconds) {
+    if (!file_) return true;
+    const auto& clip = *editor_->slider()->selectionItem();
+    const double time = typedTime(view, seconds);
+    if (&view == editor_->startField().get())
+        return time >= 0 && time <= clip.dStart() + clip.dLength() - kShortestClip;
+    constexpr double kRounding = 0.001;
+    return time >= kShortestClip &&
+           clip.dStart() + time <= file_->duration * kMillisecondsPerSecond + kRounding;
+}
+
+// A new start leaves the end where it is, as its handle does.
+void TrimWindow::SWTimeEditView_didChangeValue(SWTimeEditView& view, double seconds) {
+    if (!file_ || saving_) return;
+    const auto& clip = *editor_->slider()->selectionItem();
+    const double start = clip.dStart(), length = clip.dLength(), time = typedTime(view, seconds);
+    if (&view == editor_->startField().get())
+        keep(time, start + length - time);
+    else
+        keep(start, time);
 }
 
 // Positions are in milliseconds, like the sliders'.

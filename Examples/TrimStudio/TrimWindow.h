@@ -20,7 +20,10 @@ namespace trimstudio {
 
 // One window for one file: opens it, lets the user choose a clip and saves that beside the original. Reading
 // and writing happen in the background; closing the window ends them. The slider counts milliseconds.
-class TrimWindow : public zr::NSObject, public zr::SliderViewDelegate, public zr::NSWindowDelegate {
+class TrimWindow : public zr::NSObject,
+                   public zr::SliderViewDelegate,
+                   public zr::SWTimeEditViewDelegate,
+                   public zr::NSWindowDelegate {
 public:
     ZR_CLASS(TrimWindow, zr::NSObject)
 
@@ -42,6 +45,9 @@ public:
     void splitSliderViewBeginDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
     void splitSliderViewDragClipTo_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
     void splitSliderViewEndDragClip_bLeftClip(zr::SplitSliderView& slider, bool leftClip) override;
+    // The clip must stay within the file.
+    bool SWTimeEditView_isValid(zr::SWTimeEditView& view, double seconds) override;
+    void SWTimeEditView_didChangeValue(zr::SWTimeEditView& view, double seconds) override;
     std::optional<bool>
     windowShouldClose(zr::NSWindow& window) override; // not while it saves: then when that is done
     void windowWillClose(zr::NSWindow& window) override;
@@ -66,6 +72,8 @@ private:
     void togglePlaying();
     void play();
     void keep(double start, double length);
+    // The time that a field was given, in milliseconds: as typed, or with the fraction of a second that it had.
+    double typedTime(const zr::SWTimeEditView& view, double seconds) const;
     void findRealStart();
     void realStartFound(int request, double asked, double found);
     void saveEnded(const Outcome<Trimmed>& outcome);

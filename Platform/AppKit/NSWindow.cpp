@@ -8,6 +8,7 @@
 #include <Foundation/NSCoder.h>
 
 #include <algorithm>
+#include <set>
 
 namespace zr {
 
@@ -317,8 +318,13 @@ void NSWindow::peerFocused(NSView& view) {
 // The focus is where its owner wants it: nothing is to be focused here, and nobody is asked.
 void NSWindow::focusLeft() {
     const auto self = retained(this);
-    if (const auto first = firstResponder_.lock()) first->resignFirstResponder();
+    const auto first = firstResponder_.lock();
     firstResponder_.reset();
+    auto* const field = dynamic_cast<NSTextField*>(first.get());
+    if (field && (field->isEditable() || field->isEditing()))
+        field->didEndEditing(NSOtherTextMovement);
+    else if (first)
+        first->resignFirstResponder();
 }
 
 void NSWindow::endEditingFor(NSObject*) {
@@ -340,18 +346,18 @@ void NSWindow::selectKeyView(NSView* from, bool backwards) {
     collect(collect, *contentView_);
     if (views.empty()) return;
     std::shared_ptr<NSView> next;
-    if (!backwards && from) {
-        // Along the links that were made, over views that cannot take the keyboard, once round at most.
-        auto* linked = from->nextKeyView();
-        for (std::size_t i = 0; linked && linked != from && !linked->canBecomeKeyView() && i < views.size() + 1;
-             ++i)
-            linked = linked->nextKeyView();
-        if (linked && linked->canBecomeKeyView())
-            next = std::static_pointer_cast<NSView>(linked->shared_from_this());
-    } else if (from) {
+    // Along the links that were made, over views that cannot take the keyboard.
+    const auto linkedFrom = [this](const NSView& view) -> NSView* {
+        std::set<const NSView*> seen;
+        for (NSView* linked = view.nextKeyView(); linked && seen.insert(linked).second;
+             linked = linked->nextKeyView())
+            if (linked->window() == this && linked->canBecomeKeyView()) return linked;
+        return nullptr;
+    };
+    if (from && !backwards) next = retained(linkedFrom(*from));
+    if (from && backwards)
         for (const auto& view : views)
-            if (view->nextKeyView() == from) next = view;
-    }
+            if (linkedFrom(*view) == from) next = view;
     if (!next) {
         const auto found = std::ranges::find_if(views, [&](const auto& view) { return view.get() == from; });
         const auto count = views.size();

@@ -373,6 +373,80 @@ class Wayland(DragsOfTheHandles, DragsOfThePosition, Endings, TrimmingTest):
     make_desktop = WaylandDesktop
 
 
+class Times(TrimmingTest):
+    """The clip's ends as times, typed with a real keyboard."""
+
+    def click_into(self, studio, field, part):
+        x, y, width, height = studio.last["views"][field][part]["rect"]
+        self.desktop.move(x + width / 2, y + height / 2)
+        self.desktop.press()
+        self.desktop.release()
+
+    def type_over(self, studio, field, part, text, *end):
+        self.click_into(studio, field, part)
+        self.desktop.pointer("key", "ctrl+a")
+        self.desktop.pointer("type", text)
+        for key in end:
+            self.desktop.pointer("key", key)
+
+    def windows(self):
+        return len(self.desktop.run("wmctrl", "-l").splitlines())
+
+    def clip(self, studio):
+        slider = studio.last["views"]["splitSlider"]
+        return slider["start"], slider["length"]
+
+    @staticmethod
+    def shown(description, field):
+        return [description["views"][field][part]["text"] for part in ("hours", "minutes", "seconds")]
+
+    def wait_for_clip(self, studio, start, length):
+        return studio.wait(f"a clip of {length} s from {start} s", lambda d: abs(
+            d["views"]["splitSlider"]["start"] - start) < 1e-6 and abs(d["views"]["splitSlider"]["length"] - length) < 1e-6)
+
+    def test_the_fields_show_the_clip_and_typing_moves_its_ends(self):
+        studio = self.open("long.wav", LONG_SOUND)
+        self.assertEqual(self.shown(studio.last, "startField"), ["00", "00", "00"])
+        self.assertEqual(self.shown(studio.last, "lengthField"), ["00", "01", "00"])
+        self.type_over(studio, "startField", "seconds", "10", "Return")
+        self.wait_for_clip(studio, 10, 50)
+        self.type_over(studio, "lengthField", "minutes", "01", "Tab")
+        # Of one minute and fifty seconds there are only fifty left: refused, and the field keeps the keyboard.
+        wait_until("the alert", lambda: self.windows() == 2)
+        self.desktop.pointer("key", "Return")
+        wait_until("the end of the alert", lambda: self.windows() == 1)
+        self.assertEqual(self.clip(studio), (10, 50))
+        self.desktop.pointer("type", "00")
+        self.desktop.pointer("key", "Tab")
+        self.desktop.pointer("type", "20")
+        self.desktop.pointer("key", "Return")
+        done = self.wait_for_clip(studio, 10, 20)
+        self.assertEqual(self.shown(done, "lengthField"), ["00", "00", "20"])
+        saved = self.save(studio)["saved"]
+        self.assertAlmostEqual(media_length(saved), 20, delta=0.001)
+        self.assertEqual(studio.close(), 0)
+        self.assertEqual("".join(studio.errors), "")
+
+    def test_moving_through_the_fields_moves_nothing_and_fractions_stay(self):
+        studio = self.open("long.wav", LONG_SOUND)
+        slider = studio.last["views"]["splitSlider"]
+        studio.drag("leftHandle", slider["leftHandle"][0] + slider["leftHandle"][2] / 2 + 61)
+        studio.wait("the dragged handle", lambda d: d["views"]["splitSlider"]["start"] > 1)
+        start, length = self.clip(studio)
+        self.assertGreater(start % 1, 0.001)
+        self.click_into(studio, "startField", "hours")
+        for _ in range(6):
+            self.desktop.pointer("key", "Tab")
+        # Another minute, with the seconds as they were: their fraction stays.
+        whole = int(length)
+        self.type_over(studio, "lengthField", "minutes", "00", "Return")
+        self.wait_for_clip(studio, start, whole % 60 + length % 1)
+        # Typed over, the seconds are what was typed.
+        self.type_over(studio, "lengthField", "seconds", "7.5", "Return")
+        self.wait_for_clip(studio, start, 7.5)
+        self.assertEqual(studio.close(), 0)
+
+
 class Formats(TrimmingTest):
     def trim(self, extension):
         words, packet = FORMATS[extension]

@@ -162,6 +162,32 @@ TEST_F(TextFields, ATextSetWhenTheEditingBeganIsTheText) {
     EXPECT_THAT(life_->taken(), ElementsAre("began"));
 }
 
+TEST_F(TextFields, TabFollowsTheLinksOverViewsThatCannotTakeTheKeyboard) {
+    // first -> ten that are switched off -> last; second stands between them in the order of the subviews.
+    const auto last = make<NSTextField>(NSMakeRect(10, 0, 50, 18));
+    root_->addSubview(last);
+    std::shared_ptr<NSView> end = first_;
+    for (int i = 0; i < 10; ++i) {
+        const auto off = make<NSTextField>(NSMakeRect(120, 0, 10, 10));
+        off->setEnabled(false);
+        root_->addSubview(off);
+        end->setNextKeyView(off);
+        end = off;
+    }
+    end->setNextKeyView(last);
+    last->setNextKeyView(first_);
+    platform_.display();
+    user_->mouseDown({50, 70});
+    user_->keyDown(kKeyCodeTab, "\t");
+    EXPECT_EQ(window_->firstResponder(), last.get());
+    user_->keyDown(kKeyCodeTab, "\t");
+    EXPECT_EQ(window_->firstResponder(), first_.get());
+    user_->keyDown(kKeyCodeTab, "\t", NSEventModifierFlagShift);
+    EXPECT_EQ(window_->firstResponder(), last.get());
+    user_->keyDown(kKeyCodeTab, "\t", NSEventModifierFlagShift);
+    EXPECT_EQ(window_->firstResponder(), first_.get()) << "all the way back";
+}
+
 TEST_F(TextFields, ARefusedEndSelectsTheText) {
     begin();
     life_->ends = false;
