@@ -44,16 +44,22 @@ public:
     }
     bool isShown() const { return !hidden && (!parent || parent->isShown()); }
     View* at(CGPoint point); // in the parent's coordinates
+    // Visits may take views away, this one included.
     void walk(const std::function<void(View&)>& visit) {
+        const std::weak_ptr<bool> here = alive;
         visit(*this);
-        const auto copy = children;
-        for (View* child : copy) child->walk(visit);
+        if (here.expired()) return;
+        std::vector<std::pair<View*, std::weak_ptr<bool>>> copy;
+        for (View* child : children) copy.emplace_back(child, child->alive);
+        for (const auto& [child, there] : copy)
+            if (!there.expired()) child->walk(visit);
     }
 
     WindowImplementation* window; // null once the window is gone
     View* parent;
     port::ViewClient* client;
     std::vector<View*> children;
+    std::shared_ptr<bool> alive = std::make_shared<bool>(true);
     CGRect frame;
     bool hidden = false;
     bool dirty = true;
@@ -553,13 +559,16 @@ void WindowImplementation::focus(View* view) {
 }
 
 void WindowImplementation::display() {
+    auto& platform = system; // layout and drawing may take the window away
     if (std::exchange(updateScheduled, false)) client->peerUpdate();
-    if (!visible || !root) return;
-    root->walk([this](View& view) {
+    if (!platform.has(this) || !visible || !root) return;
+    root->walk([&platform](View& view) {
         if (!view.dirty || !view.isShown() || NSIsEmptyRect(view.frame)) return;
         view.dirty = false;
-        RecordingCanvas canvas(system.options.scale, system.appearance());
+        RecordingCanvas canvas(platform.options.scale, platform.appearance());
+        const std::weak_ptr<bool> alive = view.alive;
         view.client->peerDraw(canvas, {NSZeroPoint, view.frame.size});
+        if (alive.expired()) return;
         view.lines = canvas.lines();
         ++view.drawCount;
     });
