@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Support/TemporaryFolder.h"
+#include "TemporaryFolder.h"
 
 #include <clocale>
 #include <cstdlib>
