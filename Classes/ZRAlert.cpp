@@ -64,7 +64,7 @@ void ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(
     unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander,
     const BeforeRun& beforeRun) {
     // Whose these are may be gone when the user has answered.
-    const Actions chosen = actions;
+    const Actions chosen = actions; // NOLINT(performance-unnecessary-copy-initialization)
     const ClickHandler handler = clickHander;
     const auto alert = make<NSAlert>();
     alert->setAlertStyle(static_cast<NSAlertStyle>(alertStyle));

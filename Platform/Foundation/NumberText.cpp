@@ -22,10 +22,9 @@ void skipWhiteSpace(std::string_view& text) {
             length = 1;
         else if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) <= 0xA0)
             length = 2; // U+0080 to U+00A0
-        else if (byte(0) == 0xE2 && byte(1) == 0x80 && byte(2) >= 0x80 && byte(2) <= 0x8B)
-            length = 3; // U+2000 to U+200B
-        else if (byte(0) == 0xE3 && byte(1) == 0x80 && byte(2) == 0x80)
-            length = 3; // U+3000
+        else if ((byte(0) == 0xE2 && byte(1) == 0x80 && byte(2) >= 0x80 && byte(2) <= 0x8B) ||
+                 (byte(0) == 0xE3 && byte(1) == 0x80 && byte(2) == 0x80))
+            length = 3; // U+2000 to U+200B, and U+3000
         if (length == 0) return;
         text.remove_prefix(length);
     }

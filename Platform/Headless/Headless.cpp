@@ -411,8 +411,6 @@ bool WindowImplementation::send(InputEvent event) {
         if (hit->enabled) focus(hit);
         if (!platform.has(this)) return true;
         pressedButton = hit->enabled && focused == hit ? hit : nullptr;
-    } else if (pressedButton && event.type == NSEventTypeLeftMouseDragged) {
-        // Held.
     } else if (pressedButton && event.type == NSEventTypeLeftMouseUp) {
         View* const button = std::exchange(pressedButton, nullptr);
         if (hit == button && button->enabled) button->button->peerPressed();
@@ -423,10 +421,11 @@ bool WindowImplementation::send(InputEvent event) {
         if (hit->enabled && hit->selectable) focus(hit);
         if (!platform.has(this)) return true;
         if (focused == hit) hit->allSelected = false; // the caret goes to where the press was
-    } else if (focused && focused->field && event.type == NSEventTypeKeyDown && typed(event)) {
-        // The field had it.
     } else {
-        taken = client->peerEvent(event);
+        const bool holdsButton = pressedButton && event.type == NSEventTypeLeftMouseDragged;
+        const bool isTyped =
+            !holdsButton && focused && focused->field && event.type == NSEventTypeKeyDown && typed(event);
+        if (!holdsButton && !isTyped) taken = client->peerEvent(event);
     }
     platform.display(); // this window may be gone by now
     return taken;

@@ -110,7 +110,7 @@ void WindowPeer::show(bool activate) {
 }
 
 void WindowPeer::showModal() {
-    const QPointer<WindowWidget> widget = widget_;
+    WindowWidget* const widget = widget_.data();
     if (!widget) return;
     QWidget* const inFront = QApplication::activeWindow();
     widget->setWindowFlag(Qt::Dialog);
@@ -127,16 +127,17 @@ void WindowPeer::showModal() {
 }
 
 void WindowPeer::showAsSheet(port::WindowPeer& parent) {
-    const QPointer<WindowWidget> widget = widget_;
-    auto* const over = dynamic_cast<WindowPeer*>(&parent);
+    WindowWidget* const widget = widget_.data();
     if (!widget) return;
+    auto* const peer = dynamic_cast<WindowPeer*>(&parent);
+    WindowWidget* const over = peer ? peer->widget_.data() : nullptr;
     widget->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
-    widget->setWindowModality(over && over->widget_ ? Qt::WindowModal : Qt::ApplicationModal);
+    widget->setWindowModality(over ? Qt::WindowModal : Qt::ApplicationModal);
     widget->winId(); // there is a window from here on
-    if (over && over->widget_) {
-        widget->sheetParent = over->widget_;
-        widget->windowHandle()->setTransientParent(over->widget_->windowHandle());
-        over->widget_->installEventFilter(widget);
+    if (over) {
+        widget->sheetParent = over;
+        widget->windowHandle()->setTransientParent(over->windowHandle());
+        over->installEventFilter(widget);
         widget->placeSheet();
     }
     show(true);

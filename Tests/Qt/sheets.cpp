@@ -11,8 +11,6 @@
 
 namespace zr {
 
-using testing::ElementsAre;
-
 // The progress sheet over a real window, next to a second one.
 class QtSheets : public test::QtTest {
 protected:
