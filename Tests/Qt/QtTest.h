@@ -109,6 +109,13 @@ private:
     std::vector<std::function<void()>> steps_;
 };
 
+// Counts its presses.
+class Pressed : public NSView {
+public:
+    void mouseDown(const NSEvent&) override { ++count; }
+    int count = 0;
+};
+
 // A colour painted over another.
 inline QColor over(const Colour& colour, QColor below) {
     const auto mix = [&](double top, int bottom) {

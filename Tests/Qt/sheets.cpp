@@ -74,19 +74,9 @@ TEST_F(QtSheets, TheBarShowsTheProgressAndARealClickCancels) {
     EXPECT_NE(sheet(), nullptr) << "it stays up";
 }
 
-namespace {
-class Pressed : public NSView {
-public:
-    ZR_CLASS(Pressed, NSView)
-    void mouseDown(const NSEvent&) override { ++count; }
-    int count = 0;
-};
-ZR_CLASS_TABLE(Pressed)
-} // namespace
-
 TEST_F(QtSheets, TheParentGetsNoInputAndAnotherWindowDoes) {
-    const auto blocked = make<Pressed>(NSMakeRect(0, 0, 640, 300)),
-               free = make<Pressed>(NSMakeRect(0, 0, 100, 100));
+    const auto blocked = make<test::Pressed>(NSMakeRect(0, 0, 640, 300)),
+               free = make<test::Pressed>(NSMakeRect(0, 0, 100, 100));
     window_->setContentView(blocked);
     const auto other =
         make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSMakeRect(0, 0, 100, 100),

@@ -344,14 +344,6 @@ TEST_F(QtAlerts, ReturnEscapeAndTheFrameAnswer) {
 }
 
 namespace {
-class Pressed : public NSView {
-public:
-    ZR_CLASS(Pressed, NSView)
-    void mouseDown(const NSEvent&) override { ++count; }
-    int count = 0;
-};
-ZR_CLASS_TABLE(Pressed)
-
 class Dragged : public NSView {
 public:
     ZR_CLASS(Dragged, NSView)
@@ -369,7 +361,7 @@ ZR_CLASS_TABLE(Dragged)
 } // namespace
 
 TEST_F(QtAlerts, OtherWindowsGetNoInputMeanwhile) {
-    const auto view = make<Pressed>(NSMakeRect(0, 0, 200, 100));
+    const auto view = make<test::Pressed>(NSMakeRect(0, 0, 200, 100));
     window_->setContentView(view);
     settle();
     during([&](QWidget& alert) {
