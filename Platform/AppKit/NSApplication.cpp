@@ -29,7 +29,13 @@ void NSApplication::run() {
 }
 
 void NSApplication::terminate(NSObject*) {
-    if (terminating_) return;
+    if (terminating_ || asksToTerminate_) return;
+    if (const auto delegate = delegate_.lock()) {
+        asksToTerminate_ = true;
+        const auto reply = delegate->applicationShouldTerminate(*this);
+        asksToTerminate_ = false;
+        if (reply == NSTerminateCancel) return;
+    }
     terminating_ = true;
     if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate(*this);
     wakeTracking();
@@ -46,6 +52,10 @@ Appearance NSApplication::effectiveAppearance() const { return installation()->w
 NSWindow* NSApplication::keyWindow() const {
     const auto found = std::ranges::find_if(windows_, [](const auto& window) { return window->isKeyWindow(); });
     return found == windows_.end() ? nullptr : found->get();
+}
+
+NSWindow* NSApplication::modalWindow() const {
+    return modals_.empty() ? nullptr : modals_.back()->window.lock().get();
 }
 
 bool NSApplication::sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender) {
@@ -67,7 +77,8 @@ void NSApplication::windowWasClosed(NSWindow& window) {
     const auto held = retained(&window);
     wakeModal();
     if (std::erase(windows_, held) == 0 || held->isPanel_ || terminating_) return;
-    if (!std::ranges::all_of(windows_, [](const auto& each) { return each->isPanel_; })) return;
+    if (std::ranges::any_of(windows_, [](const auto& each) { return each->isVisible() && !each->isPanel_; }))
+        return;
     const auto delegate = delegate_.lock();
     if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed(*this).value_or(false))
         terminate(this);

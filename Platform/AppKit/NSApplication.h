@@ -11,6 +11,7 @@
 namespace zr {
 
 class NSApplication;
+class NSMenu;
 class NSWindow;
 
 namespace port {
@@ -19,10 +20,16 @@ class TrackingLoop;
 
 enum NSModalResponse : int { NSModalResponseStop = -1000, NSModalResponseAbort = -1001 };
 
+enum NSApplicationTerminateReply : unsigned { NSTerminateCancel = 0, NSTerminateNow = 1 };
+
 class NSApplicationDelegate {
 public:
     virtual ~NSApplicationDelegate() = default;
     virtual std::optional<bool> applicationShouldTerminateAfterLastWindowClosed(NSApplication&) {
+        return std::nullopt;
+    }
+    // Nothing: it may. Not asked again while it is being answered.
+    virtual std::optional<NSApplicationTerminateReply> applicationShouldTerminate(NSApplication&) {
         return std::nullopt;
     }
     virtual void applicationWillTerminate(NSApplication&) {}
@@ -43,7 +50,7 @@ public:
     void setDelegate(std::weak_ptr<NSApplicationDelegate> delegate) { delegate_ = std::move(delegate); }
 
     void run();                       // until terminate
-    void terminate(NSObject* sender); // an action too: "terminate:"
+    void terminate(NSObject* sender); // asks the delegate; an action too: "terminate:"
 
     // Nothing: follow the desktop. Views are redrawn and told at once.
     void setAppearance(std::optional<Appearance> appearance);
@@ -70,6 +77,11 @@ public:
     // Windows that were shown and not closed, in the order in which they were first shown.
     std::vector<std::shared_ptr<NSWindow>> windows() const { return windows_; }
     NSWindow* keyWindow() const;
+    NSWindow* modalWindow() const; // of the innermost modal session
+
+    // Its key equivalents act wherever the keyboard is, but not in modal sessions.
+    const std::shared_ptr<NSMenu>& mainMenu() const { return mainMenu_; }
+    void setMainMenu(const std::shared_ptr<NSMenu>& menu) { mainMenu_ = menu; }
 
     // To the target or, without one, along the responder chain of the key window and then here. False when
     // nobody took it.
@@ -113,7 +125,9 @@ private:
         leftOver_; // events of a pull that has ended; a pull that begins meanwhile takes them first
     bool deliversLeftOver_ = false;
     int eventsInHand_ = 0;
+    std::shared_ptr<NSMenu> mainMenu_;
     bool terminating_ = false;
+    bool asksToTerminate_ = false;
 };
 
 } // namespace zr

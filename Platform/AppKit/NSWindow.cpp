@@ -1,6 +1,7 @@
 #include "Installation.h"
 
 #include <AppKit/NSApplication.h>
+#include <AppKit/NSMenu.h>
 #include <AppKit/NSScreen.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSView.h>
@@ -263,6 +264,7 @@ void NSWindow::wasClosed() {
     cancelTracking();
     if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
     visible_ = false;
+    if (const auto sheet = attachedSheet_.lock()) sheet->orderOut(nullptr);
     keyChanged(false);
     if (!foreign_) unrealise();
     open_ = false;
@@ -502,6 +504,9 @@ void NSWindow::sendEvent(const NSEvent& event) {
         if ((event.modifierFlags() & NSEventModifierFlagCommand) != 0) {
             const auto content = contentView_;
             if (content->performKeyEquivalent(event)) break;
+            auto& application = NSApplication::sharedApplication();
+            const auto menu = application.modalWindow() ? nullptr : application.mainMenu();
+            if (menu && menu->performKeyEquivalent(event)) break;
         }
         if (const auto first = retained(firstResponder())) first->keyDown(event);
         break;

@@ -162,7 +162,8 @@ public:
     bool isSheet() const override { return sheetParent != nullptr; }
     std::vector<std::string> viewNames() const override;
 
-    bool isBlocked() const; // by a modal window
+    bool isBlocked() const; // by a modal window or a sheet
+    bool isBlockedByModalWindow() const;
     void display();
     void setContentSize(CGSize size);
     void focus(View* view);
@@ -181,7 +182,7 @@ public:
     bool key = false;
     bool updateScheduled = false;
     int modal = 0; // 0: not; else counts up with each
-    const WindowImplementation* sheetParent = nullptr;
+    WindowImplementation* sheetParent = nullptr;
     View* root = nullptr;
     View* focused = nullptr;
     View* pressedButton = nullptr;
@@ -394,9 +395,13 @@ bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::ui
 }
 
 bool WindowImplementation::isBlocked() const {
-    return std::ranges::any_of(system.windows, [this](const auto* other) {
-        return other->visible && (other->modal > modal || other->sheetParent == this);
-    });
+    const auto isSheetHere = [this](const auto* other) { return other->visible && other->sheetParent == this; };
+    return isBlockedByModalWindow() || std::ranges::any_of(system.windows, isSheetHere);
+}
+
+bool WindowImplementation::isBlockedByModalWindow() const {
+    return std::ranges::any_of(system.windows,
+                               [this](const auto* other) { return other->visible && other->modal > modal; });
 }
 
 bool WindowImplementation::send(InputEvent event) {
@@ -493,8 +498,9 @@ void WindowImplementation::moveByUser(CGPoint contentOrigin) {
 }
 
 bool WindowImplementation::closeByUser() {
+    if (sheetParent) return sheetParent->closeByUser(); // a sheet and its window are one to the user
     auto& platform = system;
-    if (isBlocked() || !client->peerShouldClose()) return false;
+    if (isBlockedByModalWindow() || !client->peerShouldClose()) return false;
     if (platform.has(this)) client->peerClosed();
     platform.display();
     return true;

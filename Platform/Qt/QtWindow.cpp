@@ -45,6 +45,10 @@ void WindowWidget::scheduleUpdate() {
 // The client closes by letting go of its peer, and so of this widget.
 void WindowWidget::closeEvent(QCloseEvent* event) {
     event->ignore();
+    if (sheetParent) {
+        sheetParent->close(); // a sheet and its window are one to the user
+        return;
+    }
     const QPointer<WindowWidget> self = this; // the answer may take a while, and the widget with it
     if (client && client->peerShouldClose() && self && self->client) self->client->peerClosed();
 }
@@ -129,16 +133,17 @@ void WindowPeer::showModal() {
 void WindowPeer::showAsSheet(port::WindowPeer& parent) {
     WindowWidget* const widget = widget_.data();
     if (!widget) return;
-    auto* const peer = dynamic_cast<WindowPeer*>(&parent);
-    WindowWidget* const over = peer ? peer->widget_.data() : nullptr;
+    auto* const peer = dynamic_cast<TopLevelPeer*>(&parent);
+    QWidget* const over = peer ? peer->topLevel() : nullptr;
     widget->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
-    widget->setWindowModality(over ? Qt::WindowModal : Qt::ApplicationModal);
+    if (!over) widget->setWindowModality(Qt::ApplicationModal);
     widget->winId(); // there is a window from here on
     if (over) {
         widget->sheetParent = over;
         widget->windowHandle()->setTransientParent(over->windowHandle());
         over->installEventFilter(widget);
         widget->placeSheet();
+        widget->parentBlock = std::make_unique<InputBlock>(over, widget);
     }
     show(true);
 }
@@ -146,12 +151,9 @@ void WindowPeer::showAsSheet(port::WindowPeer& parent) {
 void WindowPeer::endSheet() {
     if (!widget_) return;
     if (widget_->sheetParent) widget_->sheetParent->removeEventFilter(widget_);
-    widget_->sheetParent = nullptr;
-    // Qt blocks the parent for as long as a modal window is visible.
-    const bool visible = widget_->isVisible();
-    widget_->hide();
-    widget_->setWindowModality(Qt::NonModal);
-    if (visible) widget_->show();
+    QWidget* const parent = std::exchange(widget_->sheetParent, nullptr);
+    widget_->parentBlock.reset();
+    if (parent && widget_->isActiveWindow()) parent->activateWindow();
 }
 
 void WindowPeer::hide() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "InputBlock.h"
 #include "QtViews.h"
 
 #include <QWidget>
@@ -20,6 +21,7 @@ public:
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
     void placeSheet(); // where it belongs over its parent
     QPointer<QWidget> sheetParent;
+    std::unique_ptr<InputBlock> parentBlock;
     QPointer<ViewWidget> contentWidget;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -32,12 +34,13 @@ protected:
 };
 
 // What any window peer of this adaptor does.
-struct MakesContent {
-    virtual ~MakesContent() = default;
+struct TopLevelPeer {
+    virtual ~TopLevelPeer() = default;
     virtual std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client) = 0;
+    virtual QWidget* topLevel() const = 0; // null once it is gone
 };
 
-class WindowPeer final : public port::WindowPeer, public MakesContent {
+class WindowPeer final : public port::WindowPeer, public TopLevelPeer {
 public:
     WindowPeer(port::WindowClient& client, CGSize contentSize, bool resizable);
     ~WindowPeer() override;
@@ -56,6 +59,7 @@ public:
     double backingScale() const override;
 
     std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client) override;
+    QWidget* topLevel() const override { return widget_; }
 
 private:
     QPointer<WindowWidget> widget_;

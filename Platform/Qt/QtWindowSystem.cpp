@@ -88,7 +88,7 @@ std::unique_ptr<port::WindowPeer> QtWindowSystem::makeWindow(port::WindowClient&
 
 std::unique_ptr<port::ViewPeer> QtWindowSystem::makeContentView(port::WindowPeer& window,
                                                                 port::ViewClient& client) {
-    return dynamic_cast<MakesContent&>(window).makeContent(client);
+    return dynamic_cast<TopLevelPeer&>(window).makeContent(client);
 }
 
 std::unique_ptr<port::ViewPeer> QtWindowSystem::makeView(port::ViewPeer& parent, port::ViewClient& client) {

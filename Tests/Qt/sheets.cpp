@@ -7,6 +7,7 @@
 
 #include <QProgressBar>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTimer>
 
 namespace zr {
@@ -32,7 +33,6 @@ TEST_F(QtSheets, ASheetIsModalToItsWindowAloneAndFollowsIt) {
     loading_->startLoading_parent("Saving", window_.get());
     settle();
     ASSERT_NE(sheet(), nullptr);
-    EXPECT_EQ(sheet()->windowModality(), Qt::WindowModal);
     const auto centred = [&] {
         const QPoint middle = topLevel()->mapToGlobal(QPoint(topLevel()->width() / 2, 0));
         return std::abs(sheet()->geometry().center().x() - middle.x()) <= 2;
@@ -42,11 +42,65 @@ TEST_F(QtSheets, ASheetIsModalToItsWindowAloneAndFollowsIt) {
     settle();
     EXPECT_TRUE(centred());
 
-    EXPECT_EQ(QGuiApplication::modalWindow(), sheet()->windowHandle());
     loading_->endLoading();
     settle();
     EXPECT_EQ(sheet(), nullptr);
-    EXPECT_EQ(QGuiApplication::modalWindow(), nullptr);
+}
+
+TEST_F(QtSheets, TheWishToCloseReachesTheWindowUnderItAndNothingElseDoes) {
+    class Refuses : public NSWindowDelegate {
+    public:
+        std::optional<bool> windowShouldClose(NSWindow&) override {
+            ++asked;
+            return answer;
+        }
+        int asked = 0;
+        bool answer = false;
+    };
+    const auto refuses = std::make_shared<Refuses>();
+    window_->setDelegate(refuses);
+    const auto view = make<test::Pressed>(NSMakeRect(0, 0, 640, 300));
+    window_->setContentView(view);
+    loading_->startLoading_parent("Saving", window_.get());
+    settle();
+    topLevel()->close();
+    EXPECT_EQ(refuses->asked, 1);
+    sheet()->close();
+    EXPECT_EQ(refuses->asked, 2) << "a sheet and its window are one to the user";
+    EXPECT_NE(sheet(), nullptr);
+
+    QWindow* const under = topLevel()->windowHandle();
+    bool shortcut = false;
+    auto* const key = new QShortcut(QKeySequence("Ctrl+K"), topLevel());
+    QObject::connect(key, &QShortcut::activated, [&] { shortcut = true; });
+    QTest::keyClick(under, Qt::Key_K, Qt::ControlModifier);
+    QTest::keyClick(under, Qt::Key_A);
+    QTest::mouseClick(under, Qt::LeftButton, {}, QPoint(50, 50));
+    QTest::mouseDClick(under, Qt::LeftButton, {}, QPoint(50, 50));
+    EXPECT_FALSE(shortcut);
+    EXPECT_EQ(view->count, 0);
+
+    refuses->answer = true;
+    topLevel()->close();
+    settle();
+    EXPECT_EQ(sheet(), nullptr) << "no sheet stays without its window";
+}
+
+TEST_F(QtSheets, AnAlertOverASheetGetsInput) {
+    loading_->startLoading_parent("Saving", window_.get());
+    settle();
+    bool pressed = false;
+    QTimer::singleShot(0, [&] {
+        QWidget* const alert = QApplication::activeModalWidget();
+        ASSERT_NE(alert, nullptr);
+        auto* const button = alert->findChild<QPushButton*>();
+        QTest::mouseClick(alert->windowHandle(), Qt::LeftButton, {},
+                          button->mapTo(alert, button->rect().center()));
+    });
+    ZRAlert::Actions_title_info_accessoryView({ZRAlertAction::OK([&] { pressed = true; })}, "Stop?",
+                                              std::nullopt, nullptr);
+    EXPECT_TRUE(pressed);
+    EXPECT_NE(sheet(), nullptr);
 }
 
 TEST_F(QtSheets, TheBarShowsTheProgressAndARealClickCancels) {
@@ -120,7 +174,7 @@ TEST(QtDialogPictures, NothingIsClippedInAnyLanguage) {
             EXPECT_LE(cancel->fontMetrics().horizontalAdvance(cancel->text()) + 16, cancel->width())
                 << language;
             EXPECT_FALSE(top->grab().isNull());
-            top->grab().save(QString("sheet-%1.png").arg(language));
+            top->grab().save(QString("%1/sheet-%2.png").arg(QCoreApplication::applicationDirPath(), language));
         }
         loading->endLoading();
         test::QtTest::settle();

@@ -269,7 +269,7 @@ TEST_F(QtTimeField, TheFieldsAndColonsAreSeen) {
     content->addSubview(time);
     show(content, {230, 44});
     const QImage image = picture();
-    image.save("time-field.png"); // for a person to judge
+    image.save(QCoreApplication::applicationDirPath() + "/time-field.png"); // for a person to judge
     const auto darkPixels = [&](double left, double right) {
         int count = 0;
         for (int x = int(left * ratio()); x < int(right * ratio()); ++x)
@@ -320,7 +320,7 @@ TEST_F(QtAlerts, ButtonsStandInTheirOrderFromTheTrailingEnd) {
         EXPECT_GT(all[0]->x(), all[1]->x() + all[1]->width());
         EXPECT_GT(all[1]->x(), all[2]->x() + all[2]->width());
         EXPECT_EQ(all[0]->geometry().right(), alert.width() - 1 - 20);
-        alert.grab().save("alert.png"); // for a person to judge
+        alert.grab().save(QCoreApplication::applicationDirPath() + "/alert.png"); // for a person to judge
         QTest::mouseClick(all[1]->window()->windowHandle(), Qt::LeftButton, {},
                           all[1]->mapTo(&alert, all[1]->rect().center()));
     });

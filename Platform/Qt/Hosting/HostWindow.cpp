@@ -17,7 +17,7 @@ namespace {
 CGSize sizeOf(const QWidget& widget) { return {double(widget.width()), double(widget.height())}; }
 
 // What is done here reaches the host at once, which may delete the window.
-class HostWindowPeer final : public port::WindowPeer, public MakesContent {
+class HostWindowPeer final : public port::WindowPeer, public TopLevelPeer {
 public:
     HostWindowPeer(HostWindow& host, port::WindowClient& client) : host_(host), top_(host.top()) {
         host_.client = client_ = &client;
@@ -42,6 +42,7 @@ public:
     void showModal() override { show(true); } // a host decides on modality itself
     void showAsSheet(port::WindowPeer&) override { show(true); }
     void endSheet() override {}
+    QWidget* topLevel() const override { return top_; }
     void hide() override {
         if (top_) top_->hide();
     }

@@ -6,7 +6,23 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
+
 namespace zr {
+
+namespace {
+
+class CountsPresses : public NSView {
+public:
+    ZR_CLASS(CountsPresses, NSView)
+    void mouseDown(const NSEvent&) override { ++presses; }
+    int presses = 0;
+};
+
+ZR_CLASS_TABLE(CountsPresses)
+
+} // namespace
 
 class LoadingSheet : public testing::Test {
 protected:
@@ -89,8 +105,13 @@ TEST_F(LoadingSheet, StartingShowsASheetThatBlocksItsWindowAlone) {
     EXPECT_EQ(loading_->prgSaving()->minValue(), 0.0);
     EXPECT_EQ(loading_->prgSaving()->maxValue(), 1.0);
     EXPECT_EQ(loading_->prgSaving()->doubleValue(), 0.0);
-    EXPECT_FALSE(platform_->windows()[0]->closeByUser()) << "the parent is blocked";
-    EXPECT_TRUE(platform_->windows()[1]->closeByUser()) << "the other window is not";
+    const std::array views = {make<CountsPresses>(NSMakeRect(0, 0, 100, 100)),
+                              make<CountsPresses>(NSMakeRect(0, 0, 100, 100))};
+    parent_->setContentView(views[0]);
+    other->setContentView(views[1]);
+    for (auto* const window : platform_->windows()) window->mouseDown({10, 10});
+    EXPECT_EQ(views[0]->presses, 0) << "the parent is blocked";
+    EXPECT_EQ(views[1]->presses, 1) << "the other window is not";
 }
 
 TEST_F(LoadingSheet, ProgressIsHandedOnUnlimitedAndShownWithinTheBar) {

@@ -1,0 +1,61 @@
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSMenu.h>
+
+#include <algorithm>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSMenuItem)
+ZR_CLASS_TABLE(NSMenu)
+
+std::shared_ptr<NSMenuItem> NSMenuItem::separatorItem() {
+    auto item = make<NSMenuItem>();
+    item->isSeparator_ = true;
+    return item;
+}
+
+bool NSMenuItem::initWithTitle_action_keyEquivalent(const std::string& title, const SEL& action,
+                                                    const std::string& keyEquivalent) {
+    title_ = title;
+    action_ = action;
+    keyEquivalent_ = keyEquivalent;
+    return true;
+}
+
+bool NSMenuItem::perform() {
+    if (!enabled_ || action_.empty()) return false;
+    const auto held = retained(this);
+    const auto heldTarget = target();
+    return NSApplication::sharedApplication().sendAction_to_from(action_, heldTarget.get(), this);
+}
+
+bool NSMenuItem::isPressedBy(const NSEvent& event) const {
+    constexpr unsigned kShortcutFlags =
+        NSEventModifierFlagCommand | NSEventModifierFlagOption | NSEventModifierFlagControl;
+    return !keyEquivalent_.empty() && event.charactersIgnoringModifiers() == keyEquivalent_ &&
+           (event.modifierFlags() & kShortcutFlags) == keyEquivalentModifierMask_;
+}
+
+bool NSMenu::initWithTitle(const std::string& title) {
+    title_ = title;
+    return true;
+}
+
+std::shared_ptr<NSMenuItem> NSMenu::addItemWithTitle_action_keyEquivalent(const std::string& title,
+                                                                          const SEL& action,
+                                                                          const std::string& keyEquivalent) {
+    auto item = make<NSMenuItem>(&NSMenuItem::initWithTitle_action_keyEquivalent, title, action, keyEquivalent);
+    addItem(item);
+    return item;
+}
+
+bool NSMenu::performKeyEquivalent(const NSEvent& event) {
+    const auto held = retained(this);
+    const auto items = items_;
+    return std::ranges::any_of(items, [&](const auto& item) {
+        const auto submenu = item->submenu();
+        return submenu ? submenu->performKeyEquivalent(event) : item->isPressedBy(event) && item->perform();
+    });
+}
+
+} // namespace zr

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <AppKit/NSEvent.h>
+#include <Foundation/NSObject.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zr {
+
+class NSMenu;
+
+// A command of a menu: what it is called, the key that is as good as choosing it, and what it sends to whom.
+class NSMenuItem : public NSObject {
+public:
+    ZR_CLASS(NSMenuItem, NSObject)
+    static std::shared_ptr<NSMenuItem> separatorItem();
+    // Without an action the item only carries a submenu. The key is held with Command unless the mask says
+    // otherwise; empty for none.
+    bool initWithTitle_action_keyEquivalent(const std::string& title, const SEL& action,
+                                            const std::string& keyEquivalent);
+
+    const std::string& title() const { return title_; }
+    void setTitle(const std::string& title) { title_ = title; }
+    const SEL& action() const { return action_; }
+    // Nobody: whoever is first to take the action along the responder chain of the key window.
+    std::shared_ptr<NSObject> target() const { return target_.lock(); }
+    void setTarget(const std::shared_ptr<NSObject>& target) { target_ = target; }
+    const std::string& keyEquivalent() const { return keyEquivalent_; }
+    unsigned keyEquivalentModifierMask() const { return keyEquivalentModifierMask_; }
+    void setKeyEquivalentModifierMask(unsigned mask) { keyEquivalentModifierMask_ = mask; }
+    bool isEnabled() const { return enabled_; }
+    void setEnabled(bool enabled) { enabled_ = enabled; }
+    bool isSeparatorItem() const { return isSeparator_; }
+    const std::shared_ptr<NSMenu>& submenu() const { return submenu_; }
+    void setSubmenu(const std::shared_ptr<NSMenu>& submenu) { submenu_ = submenu; }
+
+    // Sends the action, as if the user had chosen the item. Answers whether somebody took it.
+    bool perform();
+    bool isPressedBy(const NSEvent& event) const;
+
+private:
+    std::string title_;
+    SEL action_;
+    std::weak_ptr<NSObject> target_;
+    std::string keyEquivalent_;
+    unsigned keyEquivalentModifierMask_ = NSEventModifierFlagCommand;
+    std::shared_ptr<NSMenu> submenu_;
+    bool enabled_ = true;
+    bool isSeparator_ = false;
+};
+
+class NSMenu : public NSObject {
+public:
+    ZR_CLASS(NSMenu, NSObject)
+    bool initWithTitle(const std::string& title);
+
+    const std::string& title() const { return title_; }
+    const std::vector<std::shared_ptr<NSMenuItem>>& itemArray() const { return items_; }
+    void addItem(const std::shared_ptr<NSMenuItem>& item) { items_.push_back(item); }
+    std::shared_ptr<NSMenuItem> addItemWithTitle_action_keyEquivalent(const std::string& title,
+                                                                      const SEL& action,
+                                                                      const std::string& keyEquivalent);
+
+    // Of this menu and its submenus, the first item whose key was pressed and whose action is taken.
+    bool performKeyEquivalent(const NSEvent& event);
+
+private:
+    std::string title_;
+    std::vector<std::shared_ptr<NSMenuItem>> items_;
+};
+
+} // namespace zr

@@ -1,0 +1,75 @@
+#include "InputBlock.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QWindow>
+
+namespace zr::qt {
+
+InputBlock::InputBlock(QWidget* blocked, QWidget* sheet) : blocked_(blocked), sheet_(sheet) {
+    qApp->installEventFilter(this);
+    notify(QEvent::WindowBlocked);
+}
+
+InputBlock::~InputBlock() { notify(QEvent::WindowUnblocked); }
+
+void InputBlock::notify(int type) const {
+    if (!blocked_ || !blocked_->windowHandle()) return;
+    QEvent event(static_cast<QEvent::Type>(type));
+    QCoreApplication::sendEvent(blocked_->windowHandle(), &event);
+}
+
+bool InputBlock::blocks(QObject* receiver) const {
+    if (!blocked_ || !sheet_) return false;
+    const auto* const widget = qobject_cast<QWidget*>(receiver);
+    const QWindow* window = widget ? widget->window()->windowHandle() : qobject_cast<QWindow*>(receiver);
+    while (window && window != sheet_->windowHandle() && window->modality() != Qt::ApplicationModal) {
+        if (window == blocked_->windowHandle()) return true;
+        window = window->parent() ? window->parent() : window->transientParent();
+    }
+    return false;
+}
+
+void InputBlock::activateSheet() const {
+    if (QApplication::activeModalWidget()) return;
+    sheet_->raise();
+    sheet_->activateWindow();
+}
+
+bool InputBlock::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::WindowActivate:
+        if (watched == blocked_) activateSheet();
+        return false;
+    case QEvent::MouseButtonPress:
+    case QEvent::TouchBegin:
+    case QEvent::TabletPress:
+        if (!blocks(watched)) return false;
+        activateSheet();
+        return true;
+    case QEvent::ShortcutOverride:
+        if (!blocks(watched)) return false;
+        event->accept(); // so that it does not become a shortcut
+        return true;
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ContextMenu:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        return blocks(watched);
+    default:
+        return false;
+    }
+}
+
+} // namespace zr::qt
