@@ -29,7 +29,7 @@ public:
     void updateProgress_ing(double progress, const std::string& text);
     // Clears the progress and closes the sheet; the tip stays until the next start.
     void endLoading();
-    void cancelDown(NSObject* sender); // an action: "cancelDown:"
+    virtual void cancelDown(NSObject* sender); // an action: "cancelDown:"
 
     // Outlets.
     const std::shared_ptr<NSTextField>& lblPrgTip() const { return lblPrgTip_; }

@@ -1,5 +1,6 @@
 #include "Description.h"
 
+#include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSScreen.h>
 #include <AppKit/NSWindow.h>
 
@@ -51,6 +52,36 @@ Json timeField(const SWTimeEditView& view) {
     return result;
 }
 
+double pixelsPerPoint(const NSView& view) { return view.window()->backingScaleFactor(); }
+
+void collect(const NSView& view, const NSView& content, Json& into) {
+    const double scale = pixelsPerPoint(content);
+    if (view.isHidden()) return;
+    if (const auto* const button = dynamic_cast<const NSButton*>(&view)) {
+        const NSRect rect = view.convertRect_toView(view.bounds(), &content);
+        into["buttons"].push_back({{"title", button->title()},
+                                   {"rect",
+                                    {rect.origin.x * scale, (NSMaxY(content.bounds()) - NSMaxY(rect)) * scale,
+                                     rect.size.width * scale, rect.size.height * scale}}});
+    } else if (const auto* const label = dynamic_cast<const NSTextField*>(&view)) {
+        into["texts"].push_back(label->stringValue());
+    } else if (const auto* const bar = dynamic_cast<const NSProgressIndicator*>(&view)) {
+        into["progress"] = bar->doubleValue();
+    }
+    for (const auto& subview : view.subviews()) collect(*subview, content, into);
+}
+
+Json panel(const NSWindow* window) {
+    if (!window || !window->isVisible()) return nullptr;
+    const auto& content = *window->contentView();
+    const NSSize size = content.bounds().size;
+    Json result = {{"size", {size.width * pixelsPerPoint(content), size.height * pixelsPerPoint(content)}},
+                   {"texts", Json::array()},
+                   {"buttons", Json::array()}};
+    collect(content, content, result);
+    return result;
+}
+
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(nullptr); }
 
 } // namespace
@@ -63,13 +94,11 @@ std::string describe(const Description& facts, const EditorView& editor) {
         views["startField"] = timeField(*editor.startField());
         views["lengthField"] = timeField(*editor.lengthField());
     }
-    views["keepBeforeButton"] = button(*editor.keepBeforeButton());
-    views["keepAfterButton"] = button(*editor.keepAfterButton());
+    views["splitButton"] = button(*editor.splitButton());
     views["saveButton"] = button(*editor.saveButton());
-    const Json whole = {{"file", facts.file},
-                        {"duration", facts.duration},
-                        {"saved", orNull(facts.saved)},
-                        {"message", orNull(facts.message)},
+    const Json whole = {{"file", facts.file},           {"duration", facts.duration},
+                        {"saved", orNull(facts.saved)}, {"message", orNull(facts.message)},
+                        {"sheet", panel(facts.sheet)},  {"alert", panel(facts.alert)},
                         {"views", std::move(views)}};
     // File names may be any bytes.
     return whole.dump(-1, ' ', false, Json::error_handler_t::replace);

@@ -12,12 +12,15 @@ struct Description {
     std::string file;
     double duration = 0; // seconds
     std::optional<std::string> saved;
-    std::optional<std::string> message;
+    std::optional<std::string> message{};
+    zr::NSWindow* sheet = nullptr; // over this window
+    zr::NSWindow* alert = nullptr; // over all of them
 };
 
 // One JSON object on one line. Rectangles are [x, y, width, height] in pixels of the screen from its top left,
 // times are in seconds. "window" is the window's content. Views that
-// are hidden are left out.
+// are hidden are left out. "sheet" and "alert" are null or what such a window shows: its size, its texts, its
+// progress and its buttons, whose rectangles count from the top left of its content.
 std::string describe(const Description& facts, const EditorView& editor);
 
 } // namespace trimstudio

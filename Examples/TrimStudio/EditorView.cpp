@@ -1,6 +1,7 @@
 #include "EditorView.h"
 
 #include <AppKit/NSFont.h>
+#include <ZRUIKit/KitFoundation.h>
 
 #include <algorithm>
 #include <cmath>
@@ -102,9 +103,8 @@ bool EditorView::initWithFrame(const NSRect& frame) {
     addSubview(messageLabel_);
 
     positionLabel_ = addLabel("positionLabel", times, NSTextAlignmentCenter);
-    keepBeforeButton_ = addButton("keepBeforeButton", "Keep Before", "keepBefore:");
-    keepAfterButton_ = addButton("keepAfterButton", "Keep After", "keepAfter:");
-    saveButton_ = addButton("saveButton", "Save Trimmed", "saveTrimmed:");
+    splitButton_ = addButton("splitButton", AppLocalizedString("Split…"), "split:");
+    saveButton_ = addButton("saveButton", AppLocalizedString("Save Trimmed"), "saveTrimmed:");
     setEditing(false);
     return true;
 }
@@ -122,7 +122,7 @@ void EditorView::layout() {
 
     double right = kMargin + width;
     double buttonHeight = 0;
-    for (const auto& button : {saveButton_, keepAfterButton_, keepBeforeButton_}) {
+    for (const auto& button : {saveButton_, splitButton_}) {
         button->sizeToFit();
         const NSSize size = button->frame().size;
         right -= size.width;

@@ -58,8 +58,7 @@ public:
     const std::shared_ptr<ClipSlider>& slider() const { return slider_; }
     const std::shared_ptr<PositionSlider>& positionSlider() const { return positionSlider_; }
     const std::shared_ptr<zr::NSTextField>& positionLabel() const { return positionLabel_; }
-    const std::shared_ptr<zr::NSButton>& keepBeforeButton() const { return keepBeforeButton_; }
-    const std::shared_ptr<zr::NSButton>& keepAfterButton() const { return keepAfterButton_; }
+    const std::shared_ptr<zr::NSButton>& splitButton() const { return splitButton_; }
     const std::shared_ptr<zr::NSTextField>& startLabel() const { return startLabel_; }
     const std::shared_ptr<zr::NSTextField>& clipLabel() const { return clipLabel_; }
     const std::shared_ptr<zr::NSTextField>& endLabel() const { return endLabel_; }
@@ -82,7 +81,7 @@ private:
         endLabel_;
     std::shared_ptr<zr::NSTextField> messageLabel_;
     std::shared_ptr<PositionSlider> positionSlider_;
-    std::shared_ptr<zr::NSButton> keepBeforeButton_, keepAfterButton_;
+    std::shared_ptr<zr::NSButton> splitButton_;
     std::shared_ptr<WaveformView> waveform_;
     std::shared_ptr<ClipSlider> slider_;
     std::shared_ptr<zr::NSButton> saveButton_;

@@ -2,8 +2,10 @@
 #include "TrimWindow.h"
 #include "Waveform.h"
 
+#include <AppKit/NSApplication.h>
 #include <Foundation/NSString.h>
 #include <ZRUIKit/KitFoundation.h>
+#include <ZRUIKit/ZRAlert.h>
 
 #include <algorithm>
 #include <cmath>
@@ -14,8 +16,7 @@ namespace trimstudio {
 using namespace zr;
 
 ZR_CLASS_TABLE(TrimWindow, .actions = {actionNamed<&TrimWindow::saveTrimmed>("saveTrimmed:"),
-                                       actionNamed<&TrimWindow::keepBefore>("keepBefore:"),
-                                       actionNamed<&TrimWindow::keepAfter>("keepAfter:")})
+                                       actionNamed<&TrimWindow::split>("split:")})
 
 namespace {
 
@@ -46,8 +47,8 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
     editor_->setTogglePlaying([weak] {
         if (const auto self = weak.lock()) self->togglePlaying();
     });
-    for (const auto& button : {editor_->saveButton(), editor_->keepBeforeButton(), editor_->keepAfterButton()})
-        button->setTarget(retained(this));
+    editor_->saveButton()->setTarget(retained(this));
+    editor_->splitButton()->setTarget(retained(this));
 
     constexpr unsigned style = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable |
                                NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable;
@@ -64,6 +65,7 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
 
 void TrimWindow::dealloc() {
     jobs_->cancelled = true;
+    if (saving_) saving_->abandon();
     // They do not hold their delegate.
     editor_->startField()->setDelegate(nullptr);
     editor_->lengthField()->setDelegate(nullptr);
@@ -77,7 +79,7 @@ void TrimWindow::show() {
 }
 
 void TrimWindow::open() {
-    setStatus("Opening…");
+    setStatus(AppLocalizedString("Opening…"));
     InBackground([path = path_] { return openMedia(path); },
                  [self = retained(this)](Outcome<MediaFile> outcome) { self->opened(std::move(outcome)); });
 }
@@ -105,7 +107,7 @@ void TrimWindow::opened(Outcome<MediaFile> outcome) {
 
 void TrimWindow::readWaveform() {
     if (!file_->hasAudio) {
-        editor_->waveform()->setNotice("This file has no sound.");
+        editor_->waveform()->setNotice(AppLocalizedString("This file has no sound."));
         return;
     }
     const std::weak_ptr<TrimWindow> weak = retained(this);
@@ -130,9 +132,10 @@ void TrimWindow::clipChanged() {
     const auto& selection = *editor_->slider()->selectionItem();
     const double start = selection.dStart() / kMillisecondsPerSecond,
                  length = selection.dLength() / kMillisecondsPerSecond;
-    editor_->startLabel()->setStringValue(stringWithFormat("Start %@", timeText(start)));
-    editor_->clipLabel()->setStringValue(stringWithFormat("Length %@", timeText(length)));
-    editor_->endLabel()->setStringValue(stringWithFormat("End %@", timeText(start + length)));
+    editor_->startLabel()->setStringValue(stringWithFormat(AppLocalizedString("Start %@"), timeText(start)));
+    editor_->clipLabel()->setStringValue(stringWithFormat(AppLocalizedString("Length %@"), timeText(length)));
+    editor_->endLabel()->setStringValue(
+        stringWithFormat(AppLocalizedString("End %@"), timeText(start + length)));
     editor_->waveform()->setClip(start, length);
     const auto show = [](SWTimeEditView& view, double seconds) {
         // What the user is typing stays.
@@ -167,7 +170,7 @@ bool TrimWindow::SWTimeEditView_isValid(SWTimeEditView& view, double seconds) {
 
 // A new start leaves the end where it is, as its handle does.
 void TrimWindow::SWTimeEditView_didChangeValue(SWTimeEditView& view, double seconds) {
-    if (!file_ || saving_) return;
+    if (!file_ || isSaving()) return;
     const auto& clip = *editor_->slider()->selectionItem();
     const double start = clip.dStart(), length = clip.dLength(), time = typedTime(view, seconds);
     if (&view == editor_->startField().get())
@@ -240,19 +243,33 @@ void TrimWindow::play() {
     });
 }
 
-void TrimWindow::keepBefore(NSObject*) {
+// The position is the one that was asked about, also when playing has gone on meanwhile.
+void TrimWindow::split(NSObject*) {
+    if (!file_ || isSaving() || findingStart_ || !editor_->slider()->canBeSplited()) return;
+    const double position = editor_->positionSlider()->dCurValue();
+    describeSoon();
+    ZRAlert::Actions_title_info_accessoryView(
+        {ZRAlertAction::actionWithTitle_block(AppLocalizedString("Keep Before"), [&] { keepBefore(position); }),
+         ZRAlertAction::actionWithTitle_block(AppLocalizedString("Keep After"), [&] { keepAfter(position); }),
+         ZRAlertAction::CANCEL(nullptr)},
+        stringWithFormat(AppLocalizedString("Split the clip at %@?"),
+                         timeText(position / kMillisecondsPerSecond)),
+        AppLocalizedString("Choose the part to go on with. The recording itself stays as it is."), nullptr);
+    describeSoon();
+}
+
+void TrimWindow::keepBefore(double position) {
     auto& slider = *editor_->slider();
     const double wholeLength = slider.dLength();
-    slider.setDCurValue(editor_->positionSlider()->dCurValue());
+    slider.setDCurValue(position);
     // The kit's operation makes the range as long as what is kept; the file is still all there.
     slider.splitAtCurPoint();
     slider.setDLength(wholeLength);
     keep(slider.selectionItem()->dStart(), slider.selectionItem()->dLength());
 }
 
-void TrimWindow::keepAfter(NSObject*) {
+void TrimWindow::keepAfter(double position) {
     const auto& clip = *editor_->slider()->selectionItem();
-    const double position = editor_->positionSlider()->dCurValue();
     keep(position, clip.dStart() + clip.dLength() - position);
 }
 
@@ -275,7 +292,7 @@ void TrimWindow::splitSliderViewBeginDragClip_bLeftClip(SplitSliderView&, bool l
     ++jobs_->startRequest;
     findingStart_ = true;
     notice_.clear();
-    if (!saving_ && !failed_) status_.clear();
+    if (!isSaving() && !failed_) status_.clear();
     showMessage();
 }
 
@@ -309,45 +326,66 @@ void TrimWindow::realStartFound(int request, double asked, double found) {
     clipChanged();
     constexpr double kNoticeable = 0.0005;
     if (std::abs(found - asked) > kNoticeable)
-        notice_ = stringWithFormat("This format can only begin at a key frame: the clip starts at %@.",
-                                   timeText(found));
+        notice_ = stringWithFormat(
+            AppLocalizedString("This format can only begin at a key frame: the clip starts at %@."),
+            timeText(found));
     showMessage();
 }
 
 void TrimWindow::saveTrimmed(NSObject*) {
-    if (!file_ || saving_ || findingStart_) return;
-    saving_ = true;
+    if (!file_ || isSaving() || findingStart_) return;
     saved_.reset();
     notice_.clear();
-    setStatus("Saving…");
     // The handles leave five milliseconds, also of a file that is shorter.
     const auto& selection = *editor_->slider()->selectionItem();
     const double start = std::max(0.0, selection.dStart() / kMillisecondsPerSecond);
     const double length = std::min(selection.dLength() / kMillisecondsPerSecond, file_->duration - start);
     const std::weak_ptr<TrimWindow> weak = retained(this);
-    const auto showProgress = [weak](double fraction) {
-        OnMainQueue([weak, fraction] {
-            const auto self = weak.lock();
-            if (self && self->saving_)
-                self->setStatus(stringWithFormat("Saving… %d %%", std::lround(fraction * 100)));
-        });
-    };
-    InBackground([request = TrimRequest{path_, start, length}, jobs = jobs_,
-                  showProgress] { return trimstudio::saveTrimmed(request, jobs->cancelled, showProgress); },
-                 [self = retained(this)](const Outcome<Trimmed>& outcome) { self->saveEnded(outcome); });
+    saving_ = std::make_shared<Saving>(TrimRequest{path_, start, length}, window_,
+                                       Saving::Notices{.changed =
+                                                           [weak] {
+                                                               if (const auto self = weak.lock())
+                                                                   self->describeSoon();
+                                                           },
+                                                       .done =
+                                                           [weak](const Outcome<Trimmed>& outcome) {
+                                                               if (const auto self = weak.lock())
+                                                                   self->saveEnded(outcome);
+                                                           }});
+    setStatus(AppLocalizedString("Saving…"));
+    saving_->begin();
 }
 
 void TrimWindow::saveEnded(const Outcome<Trimmed>& outcome) {
-    saving_ = false;
-    const bool closes = std::exchange(closesWhenSaved_, false);
+    const bool wasCancelled = std::exchange(saving_, nullptr)->isCancelled();
     if (outcome) {
         saved_ = outcome.value().path.string();
-        setStatus(stringWithFormat("Saved “%@”, %@ long.", outcome.value().path.filename().string(),
-                                   timeText(outcome.value().length)));
-        if (closes) window_->close();
+        setStatus(stringWithFormat(AppLocalizedString("Saved “%@”, %@ long."),
+                                   outcome.value().path.filename().string(), timeText(outcome.value().length)));
+    } else if (wasCancelled) {
+        setStatus(AppLocalizedString("Saving was cancelled. Nothing was written."));
     } else {
         fail(outcome.error());
     }
+    // What was asked is no question any more.
+    if (asksToStop_) NSApplication::sharedApplication().stopModal();
+}
+
+bool TrimWindow::mayStopSaving() {
+    if (!isSaving()) return true;
+    if (asksToStop_) return false;
+    const auto held = retained(this);
+    asksToStop_ = true;
+    bool stops = false;
+    describeSoon();
+    ZRAlert::Actions_title_info_accessoryView(
+        {ZRAlertAction::CANCEL(nullptr), ZRAlertAction::DISCARD([&] { stops = true; })},
+        stringWithFormat(AppLocalizedString("“%@” is still being saved."), path_.filename().string()),
+        AppLocalizedString("What has been saved so far can be discarded. The recording itself stays as it is."),
+        nullptr);
+    asksToStop_ = false;
+    describeSoon();
+    return stops || (!isSaving() && !failed_);
 }
 
 void TrimWindow::setStatus(const std::string& text) {
@@ -374,22 +412,22 @@ void TrimWindow::updateButtons() {
     const auto enable = [](NSButton& button, bool enabled) {
         if (enabled != button.isEnabled()) button.setEnabled(enabled);
     };
-    const bool ready = file_ && !saving_ && !findingStart_;
+    const bool ready = file_ && !isSaving() && !findingStart_;
     enable(*editor_->saveButton(), ready);
     // canBeSplited() asks about the current value, which follows the position.
     auto& slider = *editor_->slider();
     const double position = editor_->positionSlider()->dCurValue();
     if (slider.dCurValue() != position) slider.setDCurValue(position);
-    enable(*editor_->keepBeforeButton(), ready && slider.canBeSplited());
-    enable(*editor_->keepAfterButton(), ready && slider.canBeSplited());
+    enable(*editor_->splitButton(), ready && slider.canBeSplited());
 }
 
-std::optional<bool> TrimWindow::windowShouldClose(NSWindow&) {
-    closesWhenSaved_ = saving_;
-    return !saving_;
+std::optional<bool> TrimWindow::windowShouldClose(NSWindow&) { return mayStopSaving(); }
+
+void TrimWindow::windowWillClose(NSWindow&) {
+    jobs_->cancelled = true;
+    if (const auto saving = std::exchange(saving_, nullptr)) saving->abandon();
 }
 
-void TrimWindow::windowWillClose(NSWindow&) { jobs_->cancelled = true; }
 void TrimWindow::windowDidResize(NSWindow&) { describeSoon(); }
 void TrimWindow::windowDidMove(NSWindow&) { describeSoon(); }
 
@@ -401,10 +439,13 @@ void TrimWindow::describeSoon() {
         const auto& slider = *self->editor_->slider();
         const bool drawn = !slider.needsDisplay() && !self->editor_->positionSlider()->needsDisplay();
         if (!self->window_->isVisible() || (!drawn && !slider.isHidden())) return;
-        Description facts = {self->path_.string(), self->file_ ? self->file_->duration : 0, self->saved_,
-                             std::nullopt};
+        Description facts = {.file = self->path_.string(),
+                             .duration = self->file_ ? self->file_->duration : 0,
+                             .saved = self->saved_};
         if (const auto& message = self->editor_->messageLabel()->stringValue(); !message.empty())
             facts.message = message;
+        facts.sheet = self->window_->attachedSheet();
+        facts.alert = NSApplication::sharedApplication().modalWindow();
         std::string line = describe(facts, *self->editor_);
         if (line == self->lastDescription_) return;
         std::puts(line.c_str());

@@ -3,7 +3,7 @@
 #include "Description.h"
 #include "EditorView.h"
 #include "MediaFile.h"
-#include "SaveTrimmed.h"
+#include "Saving.h"
 #include "StartFinder.h"
 
 #include <AppKit/NSWindow.h>
@@ -34,10 +34,11 @@ public:
     void show();
     // The buttons' actions.
     void saveTrimmed(zr::NSObject* sender);
-    void keepBefore(zr::NSObject* sender); // the part of the clip before the position
-    void keepAfter(zr::NSObject* sender);
+    void split(zr::NSObject* sender); // asks which part of the clip to keep: before the position or after it
     // Whether the last thing that was tried with this file did not work.
     bool failed() const { return failed_; }
+    // Asks, while it saves, whether that is to be given up. True where nothing is saved, or is to be.
+    bool mayStopSaving();
 
     void sliderView_beginDragAt(zr::BaseSliderView& slider, double value) override;
     void sliderView_didChangeValue(zr::BaseSliderView& slider, double value) override;
@@ -48,14 +49,13 @@ public:
     // The clip must stay within the file.
     bool SWTimeEditView_isValid(zr::SWTimeEditView& view, double seconds) override;
     void SWTimeEditView_didChangeValue(zr::SWTimeEditView& view, double seconds) override;
-    std::optional<bool>
-    windowShouldClose(zr::NSWindow& window) override; // not while it saves: then when that is done
+    std::optional<bool> windowShouldClose(zr::NSWindow& window) override;
     void windowWillClose(zr::NSWindow& window) override;
     void windowDidResize(zr::NSWindow& window) override;
     void windowDidMove(zr::NSWindow& window) override;
 
 private:
-    // Shared with the background: what it is to look at, and an end to its work.
+    // Shared with what looks into the file in the background, and an end to that.
     struct Jobs {
         std::atomic<bool> cancelled = false;
         std::atomic<int> startRequest = 0; // counts drags: only the answer to the last one is of use
@@ -76,6 +76,9 @@ private:
     double typedTime(const zr::SWTimeEditView& view, double seconds) const;
     void findRealStart();
     void realStartFound(int request, double asked, double found);
+    bool isSaving() const { return saving_ && saving_->isRunning(); }
+    void keepBefore(double position);
+    void keepAfter(double position);
     void saveEnded(const Outcome<Trimmed>& outcome);
     void setStatus(const std::string& text);
     void fail(const std::string& text);
@@ -96,8 +99,8 @@ private:
     bool playing_ = false;
     bool scrubbing_ = false;
     bool findingStart_ = false;
-    bool saving_ = false;
-    bool closesWhenSaved_ = false;
+    std::shared_ptr<Saving> saving_;
+    bool asksToStop_ = false;
     bool failed_ = false;
     bool describes_ = false;
     bool descriptionPosted_ = false;

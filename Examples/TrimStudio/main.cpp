@@ -3,7 +3,9 @@
 #include "TrimWindow.h"
 
 #include <AppKit/NSApplication.h>
+#include <AppKit/NSMenu.h>
 #include <Foundation/Dispatch.h>
+#include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKitQt/Application.h>
 
 #include <algorithm>
@@ -50,29 +52,53 @@ Arguments readArguments(int argc, char** argv) {
 
 class Quitter : public zr::NSApplicationDelegate {
 public:
+    // Each window that saves asks. When the program has to end nobody is asked.
+    std::optional<zr::NSApplicationTerminateReply> applicationShouldTerminate(zr::NSApplication&) override {
+        for (const auto& window : windows)
+            if (!mustEnd && !window->mayStopSaving() && !mustEnd) return zr::NSTerminateCancel;
+        return zr::NSTerminateNow;
+    }
     std::optional<bool> applicationShouldTerminateAfterLastWindowClosed(zr::NSApplication&) override {
         return true;
     }
+    std::vector<std::shared_ptr<TrimWindow>> windows;
+    bool mustEnd = false;
 };
 
-// The end of a session, a closed terminal and Ctrl+C in it come as signals: the program quits as from its menu.
-// Must be called before there are threads, so that none of them gets the signals.
-void quitOnSignals() {
+// The end of a session, a closed terminal and Ctrl+C in it come as signals: the program quits in order, but
+// there may be nobody to answer questions. Must be called before there are threads, so that none of them gets
+// the signals.
+void quitOnSignals(const std::shared_ptr<Quitter>& quitter) {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    std::thread([signals] {
+    std::thread([signals, quitter = std::weak_ptr(quitter)] {
         for (int signal = 0; sigwait(&signals, &signal) == 0;)
-            zr::dispatch_async(zr::dispatch_get_main_queue(),
-                               [] { zr::NSApplication::sharedApplication().terminate(nullptr); });
+            zr::dispatch_async(zr::dispatch_get_main_queue(), [quitter] {
+                auto& application = zr::NSApplication::sharedApplication();
+                if (const auto delegate = quitter.lock()) delegate->mustEnd = true;
+                application.abortModal(); // a question that is open
+                application.terminate(nullptr);
+            });
     }).detach();
+}
+
+std::shared_ptr<zr::NSMenu> mainMenu() {
+    using zr::AppLocalizedString;
+    const auto menu = zr::make<zr::NSMenu>(), file = zr::make<zr::NSMenu>();
+    menu->addItemWithTitle_action_keyEquivalent(AppLocalizedString("File"), "", "")->setSubmenu(file);
+    file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Close"), "performClose:", "w");
+    file->addItem(zr::NSMenuItem::separatorItem());
+    file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Quit"), "terminate:", "q");
+    return menu;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    quitOnSignals();
+    const auto quitter = std::make_shared<Quitter>();
+    quitOnSignals(quitter);
     const zr::qt::Application qt(argc, argv);
     const Arguments arguments = readArguments(argc, argv);
     if (!arguments.valid) {
@@ -80,11 +106,11 @@ int main(int argc, char** argv) {
         return 2;
     }
     auto& application = zr::NSApplication::sharedApplication();
-    const auto quitter = std::make_shared<Quitter>();
     application.setDelegate(quitter);
+    application.setMainMenu(mainMenu());
     if (arguments.appearance) application.setAppearance(arguments.appearance);
 
-    std::vector<std::shared_ptr<TrimWindow>> windows;
+    auto& windows = quitter->windows;
     for (const auto& file : arguments.files)
         windows.push_back(zr::make<TrimWindow>(&TrimWindow::initWithPath_describes, file, arguments.describes));
     for (const auto& window : windows) window->show();

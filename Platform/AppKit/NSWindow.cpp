@@ -241,7 +241,11 @@ void NSWindow::orderOut(NSObject*) {
 }
 
 void NSWindow::performClose(NSObject*) {
-    if (shouldClose()) close();
+    // A sheet and its window are one to the user.
+    if (const auto parent = sheetParent_.lock())
+        parent->performClose(this);
+    else if (shouldClose())
+        close();
 }
 
 bool NSWindow::shouldClose() {

@@ -145,7 +145,11 @@ void WindowPeer::showAsSheet(port::WindowPeer& parent) {
         widget->placeSheet();
         widget->parentBlock = std::make_unique<InputBlock>(over, widget);
     }
-    show(true);
+    // A dialog that blocks all windows keeps the keyboard, and stays in front.
+    QWidget* const modal = QApplication::activeModalWidget();
+    const bool inFront = !over || !modal || modal == over;
+    show(inFront);
+    if (!inFront) modal->raise();
 }
 
 void WindowPeer::endSheet() {

@@ -112,6 +112,15 @@ class Desktop(contextlib.ExitStack):
                 return window, (0, 0)
         return None
 
+    def find_by_size(self, process, size):
+        """The upper left corner of the content of a window of this size; nothing if there is none."""
+        for window in self.run("xdotool", "search", "--onlyvisible", "--pid", str(process.pid)).split():
+            info = self.run("xwininfo", "-id", window)
+            x, y, *found = [int(n) for n in re.findall(r"(?:Absolute upper-left [XY]|Width|Height):\s+(-?\d+)", info)] or (0, 0)
+            if len(found) == 2 and all(abs(a - b) <= 1 for a, b in zip(found, size)):
+                return x, y
+        return None
+
     def ask_to_close(self, window):
         self.run("wmctrl", "-i", "-c", hex(int(window)))
 
@@ -181,13 +190,15 @@ path=
 
 
 class TrimStudio:
-    """A running TrimStudio, and what it describes of itself."""
+    """A running TrimStudio, and what one of its windows describes of itself: that of the file it follows, else any."""
 
     def __init__(self, desktop, program, *arguments, wrapper=(), environment=None):
         self.desktop = desktop
         self.lines = queue.Queue()
         self.last = None
+        self.followed = None
         self.described = None
+        self.history = []
         self.window = None
         self.offset = (0, 0)
         self.process = desktop.start([*wrapper, program, "--describe", *arguments], text=True,
@@ -205,6 +216,11 @@ class TrimStudio:
 
     def _read_errors(self):
         self.errors.extend(self.process.stderr)
+
+    def follow(self, path):
+        self.followed = str(path)
+        self.described = next((d for d in reversed(self.history) if d["file"] == self.followed), None)
+        self.window, self.offset = None, (0, 0)
 
     def ended(self):
         """The exit status; everything that was said has been read by then."""
@@ -224,7 +240,9 @@ class TrimStudio:
     def _newest(self):
         with contextlib.suppress(queue.Empty):
             while True:
-                self.described = self.lines.get_nowait()
+                self.history.append(self.lines.get_nowait())
+                if self.followed in (None, self.history[-1]["file"]):
+                    self.described = self.history[-1]
         return self._placed()
 
     def _placed(self):
@@ -281,9 +299,21 @@ class TrimStudio:
         self.desktop.press()
         self.desktop.release()
 
+    def click_in(self, panel, title):
+        """Presses a button of the sheet or of the alert with the pointer."""
+        shown = self.wait(f"the {panel}", lambda d: d[panel])[panel]
+        x, y = wait_until(f"the window of the {panel}", lambda: self.desktop.find_by_size(self.process, shown["size"]))
+        left, top, width, height = next(button["rect"] for button in shown["buttons"] if button["title"] == title)
+        self.desktop.move(x + left + width / 2, y + top + height / 2)
+        self.desktop.press()
+        self.desktop.release()
+
+    def ask_to_close(self):
+        self.desktop.ask_to_close(self.window)
+
     def close(self):
         """Asks the window to close as a user does; answers the program's exit status."""
-        self.desktop.ask_to_close(self.window)
+        self.ask_to_close()
         return self.ended()
 
 

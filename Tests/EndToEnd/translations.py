@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Every language of the kit has the same texts, with the same places for arguments in the same order."""
+"""Every language of the kit and of TrimStudio has the same texts, with the same places for arguments in the same order."""
 
 import pathlib
 import re
 import unittest
 
-ASSETS = pathlib.Path(__file__).resolve().parent.parent.parent / "Assets"
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+TABLES = {ROOT / "Assets": "Localized.strings", ROOT / "Examples" / "TrimStudio" / "Resources": "Localizable.strings"}
 LANGUAGES = {"de", "en", "es", "fr", "ja", "zh-Hans"}
 
 STRING = r'"((?:[^"\\]|\\.)*)"'
@@ -45,11 +46,20 @@ def problems(tables):
 
 class Translations(unittest.TestCase):
     def test_all_languages_agree(self):
-        tables = {path.parent.stem: read(path.read_text("utf-8")) for path in ASSETS.glob("*.lproj/Localized.strings")}
-        self.assertEqual(set(tables), LANGUAGES)
-        self.assertEqual({path.stem for path in ASSETS.glob("*.lproj")}, LANGUAGES)
-        self.assertTrue(tables["en"])
-        self.assertEqual(problems(tables), [])
+        for folder, name in TABLES.items():
+            tables = {path.parent.stem: read(path.read_text("utf-8")) for path in folder.glob(f"*.lproj/{name}")}
+            with self.subTest(name):
+                self.assertEqual(set(tables), LANGUAGES)
+                self.assertEqual({path.stem for path in folder.glob("*.lproj")}, LANGUAGES)
+                self.assertTrue(tables["en"])
+                self.assertEqual(problems(tables), [])
+
+    def test_every_text_that_trimstudio_asks_for_is_there(self):
+        source = ROOT / "Examples" / "TrimStudio"
+        asked = {text for path in source.glob("*.cpp") for text in re.findall(rf'AppLocalizedString\(\s*{STRING}', path.read_text("utf-8"))}
+        table = read((source / "Resources" / "en.lproj" / "Localizable.strings").read_text("utf-8"))
+        self.assertTrue(asked)
+        self.assertEqual(asked - set(table), set())
 
     def test_what_differs_is_noticed(self):
         english = read('/* One. */ "%@ of %d" = "%@ of %d"; "Stop" = "Stop";')

@@ -278,24 +278,36 @@ class Playing(DragsOfThePosition, TrimmingTest):
 
     def test_the_part_before_and_the_part_after_the_position_are_kept(self):
         studio = self.open()
-        self.assertFalse(studio.last["views"]["keepBeforeButton"]["enabled"])
+        self.assertFalse(studio.last["views"]["splitButton"]["enabled"])
         self.press(6)
         self.desktop.release()
         self.wait_for_position(studio, 6)
-        studio.wait("the button", lambda d: d["views"]["keepBeforeButton"]["enabled"])
-        studio.click("keepBeforeButton")
+        self.split(studio, "Cancel")
+        self.assertEqual((studio.slider()["start"], studio.slider()["length"]), (0, self.duration))
+        self.split(studio)
+        self.assertRegex(studio.last["alert"]["texts"][0], r"^Split the clip at 0:0[56]\.\d{3}\?$")
+        self.desktop.pointer("key", "Return")
         pixel = 1.01 / self.second
         studio.wait("the part before", lambda d: d["views"]["splitSlider"]["start"] == 0 and
                     abs(d["views"]["splitSlider"]["length"] - 6) <= pixel)
         self.press(2)
         self.desktop.release()
         self.wait_for_position(studio, 2)
-        studio.wait("the button", lambda d: d["views"]["keepAfterButton"]["enabled"])
-        studio.click("keepAfterButton")
+        self.split(studio, "Keep After")
         clip = studio.wait("the part after", lambda d: abs(d["views"]["splitSlider"]["start"] - 2) <= pixel and
                            abs(d["views"]["splitSlider"]["length"] - 4) <= 2 * pixel)["views"]["splitSlider"]
         self.assertAlmostEqual(media_length(self.save(studio)["saved"]), clip["length"], delta=0.001)
         self.assertEqual(studio.close(), 0)
+
+
+    def split(self, studio, answer=None):
+        studio.wait("the button", lambda d: d["views"]["splitButton"]["enabled"])
+        studio.click("splitButton")
+        shown = studio.wait("the question", lambda d: d["alert"])["alert"]
+        self.assertEqual([button["title"] for button in shown["buttons"]], ["Keep Before", "Keep After", "Cancel"])
+        if answer:
+            studio.click_in("alert", answer)
+            studio.wait("the end of the question", lambda d: not d["alert"])
 
 
 class Endings:
@@ -337,23 +349,21 @@ class Endings:
     def test_quitting_in_the_middle_of_a_drag_of_a_handle(self):
         self.quit_in(self.drag_a_handle)
 
-    def close_when_saved_in(self, drag):
-        """A window that was asked to close while it saves closes when that is done, whatever the pointer does then."""
+    def test_closing_while_it_saves_asks_first(self):
         studio = self.open("take.mp4", SILENT_VIDEO)
         with background_work_held(studio.process):
             studio.click("saveButton")
             studio.wait("saving", lambda d: d["message"] == "Saving…")
-            self.desktop.ask_to_close(studio.window)
-            drag(studio)
+            studio.ask_to_close()
+            asked = studio.wait("the question", lambda d: d["alert"])["alert"]
+            self.assertEqual(asked["texts"][0], "“take.mp4” is still being saved.")
+            self.assertEqual([button["title"] for button in asked["buttons"]], ["Cancel", "Discard"])
+            self.desktop.pointer("key", "Escape")
+            studio.wait("the end of the question", lambda d: not d["alert"])
             self.assertEqual(studio.last["message"], "Saving…")
-        self.assert_clean(studio.ended(), studio, "take.mp4", "take-trimmed.mp4")
-        self.assertAlmostEqual(media_length(self.folder / "take-trimmed.mp4"), self.duration, delta=0.045)
-
-    def test_closing_when_saved_in_the_middle_of_a_drag_of_the_position(self):
-        self.close_when_saved_in(self.drag_the_position)
-
-    def test_closing_when_saved_in_the_middle_of_a_drag_of_a_handle(self):
-        self.close_when_saved_in(self.drag_a_handle)
+        saved = studio.wait("the saved file", lambda d: d["saved"])["saved"]
+        self.assertAlmostEqual(media_length(saved), self.duration, delta=0.045)
+        self.assert_clean(studio.close(), studio, "take.mp4", "take-trimmed.mp4")
 
 
 class Ending(Endings, TrimmingTest):
@@ -367,6 +377,140 @@ class Ending(Endings, TrimmingTest):
 
     def test_closing_in_the_middle_of_a_drag_of_a_handle(self):
         self.close_in(self.drag_a_handle)
+
+
+class Saving(Endings, TrimmingTest):
+    """Saving is held up in the background wherever the test has to come before its end."""
+
+    def saving(self, *earlier):
+        """TrimStudio in the middle of a save, with its sheet up; the second answer lets the save go on."""
+        studio = self.open("take.mp4", SILENT_VIDEO)
+        for name in earlier:
+            (self.folder / name).write_text("somebody's")
+        self.original = digest(self.folder / "take.mp4")
+        hold = contextlib.ExitStack()
+        self.addCleanup(hold.close)
+        hold.enter_context(background_work_held(studio.process))
+        studio.click("saveButton")
+        sheet = studio.wait("the sheet", lambda d: d["sheet"])["sheet"]
+        self.assertEqual(sheet["texts"][0], "Saving “take.mp4”")
+        return studio, hold.close
+
+    def wait_for_question(self, studio):
+        return studio.wait("the question", lambda d: d["alert"])["alert"]
+
+    def wait_for_no_question(self, studio):
+        studio.wait("the end of the question", lambda d: not d["alert"])
+
+    def test_the_sheet_blocks_its_window_and_goes_when_the_file_is_saved(self):
+        studio, go_on = self.saving()
+        self.assertEqual(studio.last["sheet"]["progress"], 0)
+        before = self.value(studio)
+        self.press(5)
+        self.desktop.release()
+        go_on()
+        saved = studio.wait("the saved file", lambda d: d["saved"] and not d["sheet"])
+        self.assertEqual(self.value(studio), before)
+        self.assertEqual(saved["saved"], str(self.folder / "take-trimmed.mp4"))
+        self.press(5)
+        self.desktop.release()
+        self.wait_for_position(studio, 5)
+        self.assert_clean(studio.close(), studio, "take.mp4", "take-trimmed.mp4")
+
+    def cancel(self, how):
+        studio, go_on = self.saving("take-trimmed.mp4")
+        how(studio)
+        studio.wait("its effect", lambda d: d["sheet"] and "Cancelling…" in d["sheet"]["texts"])
+        go_on()
+        ended = studio.wait("the end of the sheet", lambda d: not d["sheet"])
+        self.assertEqual((ended["message"], ended["saved"]), ("Saving was cancelled. Nothing was written.", None))
+        self.assertTrue(ended["views"]["saveButton"]["enabled"])
+        self.assert_nothing_left_over("take.mp4", "take-trimmed.mp4")
+        self.assertEqual(digest(self.folder / "take.mp4"), self.original)
+        self.assertEqual((self.folder / "take-trimmed.mp4").read_text(), "somebody's")
+        # It can be saved after all.
+        self.assertEqual(self.save(studio)["saved"], str(self.folder / "take-trimmed 2.mp4"))
+        studio.wait("the end of the sheet", lambda d: not d["sheet"])
+        self.assert_clean(studio.close(), studio, "take.mp4", "take-trimmed.mp4", "take-trimmed 2.mp4")
+
+    def test_a_click_on_cancel(self):
+        self.cancel(lambda studio: studio.click_in("sheet", "Cancel"))
+
+    def test_escape_cancels(self):
+        self.cancel(lambda studio: self.desktop.pointer("key", "Escape"))
+
+    def test_closing_asks_and_discards(self):
+        studio, go_on = self.saving()
+        for answer in ("Return", "Escape"):
+            studio.ask_to_close()
+            self.wait_for_question(studio)
+            self.desktop.pointer("key", answer)
+            self.wait_for_no_question(studio)
+        studio.ask_to_close()
+        self.wait_for_question(studio)
+        studio.click_in("alert", "Discard")
+        wait_until("the end of the window", lambda: not self.desktop.find(studio.process, studio.described["views"]["window"]["rect"]))
+        go_on()
+        self.assert_clean(studio.ended(), studio, "take.mp4")
+        self.assertEqual(digest(self.folder / "take.mp4"), self.original)
+
+    def test_a_question_that_is_settled_by_the_end_of_saving_closes_the_window(self):
+        studio, go_on = self.saving()
+        studio.ask_to_close()
+        self.wait_for_question(studio)
+        go_on()
+        self.assert_clean(studio.ended(), studio, "take.mp4", "take-trimmed.mp4")
+        self.assertAlmostEqual(media_length(self.folder / "take-trimmed.mp4"), self.duration, delta=0.045)
+
+    def test_quitting_asks_and_discards(self):
+        studio, go_on = self.saving()
+        self.desktop.pointer("key", "ctrl+q")
+        self.wait_for_question(studio)
+        self.desktop.pointer("key", "Return")
+        self.wait_for_no_question(studio)
+        self.desktop.pointer("key", "ctrl+q")
+        self.wait_for_question(studio)
+        studio.click_in("alert", "Discard")
+        wait_until("the end of the window", lambda: not self.desktop.find(studio.process, studio.described["views"]["window"]["rect"]))
+        go_on()
+        self.assert_clean(studio.ended(), studio, "take.mp4")
+
+    def test_a_signal_ends_it_without_a_question_and_under_one(self):
+        for asked in (False, True):
+            with self.subTest(asked=asked):
+                studio, go_on = self.saving()
+                if asked:
+                    self.desktop.pointer("key", "ctrl+q")
+                    self.wait_for_question(studio)
+                studio.process.send_signal(signal.SIGTERM)
+                wait_until("the end of the window", lambda: not self.desktop.find(studio.process, studio.described["views"]["window"]["rect"]))
+                go_on()
+                self.assert_clean(studio.ended(), studio, "take.mp4")
+
+    def test_a_sheet_on_one_window_leaves_the_other_usable(self):
+        first, second = self.make("first.mp4", SILENT_VIDEO), self.make("second.wav", SOUND)
+        studio = self.start(first, second)
+        for path in (second, first):
+            studio.follow(path)
+            studio.wait_until_ready()
+        self.desktop.pointer("windowactivate", "--sync", studio.window)
+        with background_work_held(studio.process):
+            studio.click("saveButton")
+            studio.wait("the sheet", lambda d: d["sheet"])
+            studio.follow(second)
+            studio.wait_until_ready()
+            self.assertIsNone(studio.last["sheet"])
+            self.desktop.pointer("windowactivate", "--sync", studio.window)
+            for fraction in (0.7, 0.3):
+                x, y, width, height = studio.last["views"]["progressSlider"]["track"]
+                self.desktop.move(x + width * fraction, y + height / 2)
+                self.desktop.press()
+                self.desktop.release()
+                studio.wait("the position", lambda d: abs(d["views"]["progressSlider"]["value"] / d["duration"] - fraction) < 0.01)
+        studio.follow(first)
+        studio.wait("the saved file", lambda d: d["saved"] and not d["sheet"])
+        self.desktop.pointer("key", "ctrl+q")
+        self.assert_clean(studio.ended(), studio, "first.mp4", "first-trimmed.mp4", "second.wav")
 
 
 class Wayland(DragsOfTheHandles, DragsOfThePosition, Endings, TrimmingTest):

@@ -86,6 +86,24 @@ TEST_F(QtSheets, TheWishToCloseReachesTheWindowUnderItAndNothingElseDoes) {
     EXPECT_EQ(sheet(), nullptr) << "no sheet stays without its window";
 }
 
+TEST_F(QtSheets, ASheetThatComesUnderAnAlertLeavesItTheKeyboard) {
+    bool cancelled = false;
+    QTimer::singleShot(0, [&] {
+        loading_->startLoading_parent("Saving", window_.get());
+        QWidget* const alert = QApplication::activeModalWidget();
+        ASSERT_NE(alert, nullptr);
+        ASSERT_NE(sheet(), nullptr);
+        EXPECT_TRUE(sheet()->testAttribute(Qt::WA_ShowWithoutActivating));
+        QTest::keyClick(alert->windowHandle(), Qt::Key_Return);
+    });
+    ZRAlert::Actions_title_info_accessoryView({ZRAlertAction::CANCEL([&] { cancelled = true; })}, "Stop?",
+                                              std::nullopt, nullptr);
+    EXPECT_TRUE(cancelled);
+    loading_->endLoading();
+    loading_->startLoading_parent("Saving", window_.get());
+    EXPECT_FALSE(sheet()->testAttribute(Qt::WA_ShowWithoutActivating));
+}
+
 TEST_F(QtSheets, AnAlertOverASheetGetsInput) {
     loading_->startLoading_parent("Saving", window_.get());
     settle();

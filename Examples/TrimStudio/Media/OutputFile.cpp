@@ -16,6 +16,7 @@ namespace trimstudio {
 namespace {
 
 constexpr int bufferSize = 256 * 1024;
+constexpr int64_t writtenAtOnce = 16 * 1024 * 1024;
 
 std::filesystem::path folderOf(const std::filesystem::path& path) {
     return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
@@ -134,6 +135,12 @@ int OutputFile::write(void* self, uint8_t* data, int size) {
         }
         done += static_cast<int>(count);
     }
+    // Else all of a large file would wait for sync(), which cannot be cancelled.
+    file.unwritten_ += size;
+    if (file.unwritten_ >= writtenAtOnce) {
+        ::sync_file_range(file.fd_, 0, 0, SYNC_FILE_RANGE_WRITE);
+        file.unwritten_ = 0;
+    }
     return size;
 }
 
@@ -161,9 +168,12 @@ std::string OutputFile::problem(int error) const {
     return av::quoted(wanted_) + " could not be written " + av::inParentheses(AVERROR(cause)) + ".";
 }
 
+std::string OutputFile::sync() {
+    if (std::string text = flush(); !text.empty()) return text;
+    return ::fsync(fd_) == 0 ? std::string() : problem(AVERROR(errno));
+}
+
 Outcome<std::filesystem::path> OutputFile::finish() {
-    if (std::string text = flush(); !text.empty()) return Failure{std::move(text)};
-    if (::fsync(fd_) != 0) return Failure{problem(AVERROR(errno))};
     for (int number = 1;; ++number) {
         std::filesystem::path name = numbered(wanted_, number);
         const int error = moveToFree(temporary_, name);

@@ -26,8 +26,10 @@ public:
     // A sentence for an FFmpeg error that came up while writing.
     std::string problem(int error) const;
 
-    // Makes sure that everything is on the disk and gives the file the wanted name or, where that is taken,
-    // the next free one ("NAME 2.EXT"). Never replaces a file. Returns the name.
+    // Makes sure that everything is on the disk. A sentence if that failed, else nothing.
+    std::string sync();
+    // After sync(): gives the file the wanted name or, where that is taken, the next free one ("NAME 2.EXT").
+    // Never replaces a file. Returns the name.
     Outcome<std::filesystem::path> finish();
 
 private:
@@ -39,7 +41,8 @@ private:
     std::filesystem::path wanted_;
     std::filesystem::path temporary_;
     int fd_ = -1;
-    int error_ = 0; // errno of the first write that failed.
+    int64_t unwritten_ = 0; // bytes since the disk was last told to write
+    int error_ = 0;         // errno of the first write that failed.
     AVIOContext* io_ = nullptr;
 };
 

@@ -78,6 +78,8 @@ public:
         makeTracks(*muxer.value());
         if (std::string text = copy(*muxer.value(), output); !text.empty()) return Failure{std::move(text)};
         if (std::string text = complete(*muxer.value(), output); !text.empty()) return Failure{std::move(text)};
+        if (std::string text = output.sync(); !text.empty()) return Failure{std::move(text)};
+        if (cancelled_) return Failure{wasCancelled()};
         Outcome<std::filesystem::path> name = output.finish();
         if (!name) return Failure{name.error()};
         return Trimmed{name.value(), std::max(0.0, cut_.heard.value_or(cut_.start) - origin_), length()};
@@ -147,7 +149,7 @@ private:
     // Returns a sentence if something went wrong, as do the following.
     std::string copy(Muxer& muxer, const OutputFile& output) {
         for (;;) {
-            if (cancelled_) return "Saving " + av::quoted(file_.path) + " was cancelled.";
+            if (cancelled_) return wasCancelled();
             av::Packet packet = av::readPacket(*input_);
             if (!packet) break;
             const auto stream = static_cast<std::size_t>(packet->stream_index);
@@ -201,6 +203,7 @@ private:
     }
     double length() const { return (inMp4() ? std::min(end(), cut_.end) : end()) - *cut_.shift; }
 
+    std::string wasCancelled() const { return "Saving " + av::quoted(file_.path) + " was cancelled."; }
     std::string nothingThere() const {
         return "There is nothing to copy in that part of " + av::quoted(file_.path) + ".";
     }

@@ -8,7 +8,6 @@
 
 #include <array>
 
-
 namespace zr {
 
 namespace {
