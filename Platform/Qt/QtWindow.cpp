@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QWindow>
 
@@ -19,6 +20,36 @@ QSize wholeSize(CGSize size) {
     };
     return {limited(size.width), limited(size.height)};
 }
+
+// The edge of a window that has no frame of its own.
+class Edge final : public QWidget {
+public:
+    explicit Edge(QWidget* window) : QWidget(window) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        window->installEventFilter(this);
+        fit();
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Resize || event->type() == QEvent::Show) fit();
+        return false;
+    }
+    void paintEvent(QPaintEvent*) override {
+        constexpr float kStrength = 0.35F;
+        QColor colour = palette().color(QPalette::WindowText);
+        colour.setAlphaF(kStrength);
+        QPainter painter(this);
+        painter.setPen(colour);
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+
+private:
+    void fit() {
+        setGeometry(parentWidget()->rect());
+        raise();
+    }
+};
 
 CGSize sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
 
@@ -135,7 +166,9 @@ void WindowPeer::showAsSheet(port::WindowPeer& parent) {
     if (!widget) return;
     auto* const peer = dynamic_cast<TopLevelPeer*>(&parent);
     QWidget* const over = peer ? peer->topLevel() : nullptr;
-    widget->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    widget->setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
+    if (!widget->edge) widget->edge = new Edge(widget);
+    widget->edge->show();
     if (!over) widget->setWindowModality(Qt::ApplicationModal);
     widget->winId(); // there is a window from here on
     if (over) {

@@ -23,6 +23,7 @@ public:
     QPointer<QWidget> sheetParent;
     std::unique_ptr<InputBlock> parentBlock;
     QPointer<ViewWidget> contentWidget;
+    QPointer<QWidget> edge; // of a sheet
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -68,6 +68,8 @@ QtWindowSystem::~QtWindowSystem() {
 std::shared_ptr<port::Bitmap> QtWindowSystem::loadBitmap(const std::string& path) {
     QImage image(QString::fromStdString(path));
     if (image.isNull()) return nullptr;
+    // Qt has seen an "@2x" in the name; who draws it knows what it stands for.
+    image.setDevicePixelRatio(1);
     return std::make_shared<QtBitmap>(image.convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 

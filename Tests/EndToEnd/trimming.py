@@ -51,7 +51,7 @@ def digest(path):
 def background_work_held(process):
     """What the program begins in the background meanwhile waits until the end of this."""
     tasks = pathlib.Path(f"/proc/{process.pid}/task")
-    pooled = [task for task in tasks.iterdir() if (task / "comm").read_text() == "Thread (pooled)\n"]
+    pooled = [task for task in tasks.iterdir() if (task / "comm").read_text() == "ZRUIKit queue\n"]
     wait_until("idle threads", lambda: pooled and all("State:\tS" in (task / "status").read_text() for task in pooled))
     threads = [int(task.name) for task in pooled]
     libc = ctypes.CDLL(None, use_errno=True)

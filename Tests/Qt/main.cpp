@@ -1,11 +1,24 @@
 #include <QApplication>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
+// --ratio=R: device pixels per point, 1 if it is not said.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    // The same everywhere, whatever the desktop: no screen, one style.
+    QByteArray ratio = "1";
+    for (int i = 1; i < argc; ++i)
+        if (const QByteArray argument = argv[i]; argument.startsWith("--ratio=")) ratio = argument.mid(8);
+    // The same everywhere, whatever the desktop: no screen, one style, one language.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", ratio);
+    qputenv("LC_ALL", "C.UTF-8");
     QApplication::setStyle("fusion");
     QApplication application(argc, argv);
+    if (application.devicePixelRatio() != ratio.toDouble()) {
+        std::fprintf(stderr, "The ratio is %g instead of %s.\n", application.devicePixelRatio(),
+                     ratio.constData());
+        return 1;
+    }
     return RUN_ALL_TESTS();
 }
