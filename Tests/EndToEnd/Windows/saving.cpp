@@ -1,0 +1,260 @@
+#include "TrimWindow.h"
+
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSButton.h>
+#include <AppKit/NSProgressIndicator.h>
+#include <ZRUIKitHeadless/Headless.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <fstream>
+#include <set>
+
+namespace trimstudio {
+
+using namespace zr;
+using testing::Contains;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+// Two seconds of silence, 8,000 samples a second.
+std::string wave() {
+    std::string bytes = "RIFF";
+    const auto number = [&bytes](std::uint32_t value, int size) {
+        for (int i = 0; i < size; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
+    };
+    constexpr std::uint32_t kRate = 8000, kBytes = 2 * kRate * 2;
+    number(36 + kBytes, 4);
+    bytes += "WAVEfmt ";
+    for (const auto& [value, size] :
+         {std::pair{16u, 4}, {1u, 2}, {1u, 2}, {kRate, 4}, {2 * kRate, 4}, {2u, 2}, {16u, 2}})
+        number(value, size);
+    bytes += "data";
+    number(kBytes, 4);
+    return bytes + std::string(kBytes, '\0');
+}
+
+} // namespace
+
+// A window of TrimStudio with a real file, where time passes and background work is done when the test says so.
+class WindowsThatSave : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (std::filesystem::temp_directory_path() / "zruikit-windows-XXXXXX").string();
+        folder_ = ::mkdtemp(pattern.data());
+        std::ofstream(folder_ / "take.wav", std::ios::binary) << wave();
+        window_ = make<TrimWindow>(&TrimWindow::initWithPath_describes, folder_ / "take.wav", false);
+        window_->show();
+        platform_.runUntilIdle();
+        ASSERT_FALSE(window_->failed());
+        user_ = platform_.windows().front();
+    }
+    void TearDown() override {
+        window_.reset();
+        std::filesystem::remove_all(folder_);
+    }
+
+    NSWindow& window() const { return *NSApplication::sharedApplication().windows().front(); }
+    headless::Window* sheet() {
+        for (auto* const each : platform_.windows())
+            if (each->isSheet()) return each;
+        return nullptr;
+    }
+    // What the sheet over a window says: what is done, and how far it is.
+    static std::vector<std::string> texts(const NSWindow& window) {
+        std::vector<std::string> result;
+        for (const auto& view : window.attachedSheet()->contentView()->subviews())
+            if (const auto* const label = dynamic_cast<NSTextField*>(view.get()))
+                result.push_back(label->stringValue());
+        return result;
+    }
+    double progress() const {
+        for (const auto& view : window().attachedSheet()->contentView()->subviews())
+            if (const auto* const bar = dynamic_cast<NSProgressIndicator*>(view.get())) return bar->doubleValue();
+        return -1;
+    }
+    std::string message() { return user_->labelText("messageLabel"); }
+    std::set<std::string> files() const {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+    // The alert that is up is answered by the button of this title.
+    static void answer(const std::string& title) {
+        auto* const alert = NSApplication::sharedApplication().modalWindow();
+        ASSERT_NE(alert, nullptr);
+        for (const auto& view : alert->contentView()->subviews())
+            if (auto* const button = dynamic_cast<NSButton*>(view.get()); button && button->title() == title) {
+                button->performClick(nullptr);
+                return;
+            }
+        FAIL() << "no button " << title;
+    }
+    static bool asks() { return NSApplication::sharedApplication().modalWindow() != nullptr; }
+
+    headless::Platform platform_;
+    std::filesystem::path folder_;
+    std::shared_ptr<TrimWindow> window_;
+    headless::Window* user_ = nullptr;
+};
+
+TEST_F(WindowsThatSave, AShortJobShowsNoSheet) {
+    window_->saveTrimmed(nullptr);
+    EXPECT_EQ(message(), "Saving…");
+    platform_.advance(0.299);
+    EXPECT_EQ(sheet(), nullptr);
+    platform_.runUntilIdle();
+    EXPECT_THAT(message(), testing::StartsWith("Saved “take-trimmed.wav”"));
+    platform_.advance(1);
+    EXPECT_EQ(sheet(), nullptr) << "nor afterwards";
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "take-trimmed.wav"));
+}
+
+TEST_F(WindowsThatSave, ALongerJobShowsASheetThatStaysAGlanceAndIsFullAtTheEnd) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    ASSERT_NE(sheet(), nullptr);
+    EXPECT_THAT(texts(window()), UnorderedElementsAre("Saving “take.wav”", "0 %"));
+    platform_.advance(0.1);
+    platform_.runUntilIdle();
+    ASSERT_NE(sheet(), nullptr);
+    EXPECT_THAT(texts(window()), Contains("100 %"));
+    EXPECT_EQ(progress(), 1);
+    EXPECT_EQ(message(), "Saving…");
+    platform_.advance(0.399);
+    EXPECT_NE(sheet(), nullptr);
+    platform_.advance(0.002);
+    EXPECT_EQ(sheet(), nullptr);
+    EXPECT_THAT(message(), testing::StartsWith("Saved “take-trimmed.wav”"));
+}
+
+TEST_F(WindowsThatSave, ALongJobsSheetGoesAtOnceWhenItIsDone) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(5);
+    EXPECT_NE(sheet(), nullptr);
+    platform_.runUntilIdle();
+    EXPECT_EQ(sheet(), nullptr);
+    EXPECT_THAT(message(), testing::StartsWith("Saved “take-trimmed.wav”"));
+}
+
+TEST_F(WindowsThatSave, CancelLeavesNothingAndIsNoFailure) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    ASSERT_NE(sheet(), nullptr);
+    sheet()->keyDown(kKeyCodeEscape, kEscapeCharacter);
+    EXPECT_THAT(texts(window()), Contains("Cancelling…"));
+    platform_.runUntilIdle();
+    EXPECT_EQ(sheet(), nullptr);
+    EXPECT_EQ(message(), "Saving was cancelled. Nothing was written.");
+    EXPECT_FALSE(window_->failed());
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav"));
+}
+
+TEST_F(WindowsThatSave, CancelAfterTheFileIsThereChangesNothing) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    platform_.runUntilIdle();
+    ASSERT_NE(sheet(), nullptr);
+    sheet()->keyDown(kKeyCodeEscape, kEscapeCharacter);
+    platform_.advance(1);
+    EXPECT_THAT(message(), testing::StartsWith("Saved “take-trimmed.wav”"));
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "take-trimmed.wav"));
+}
+
+TEST_F(WindowsThatSave, OnlyTheSheetWhoseButtonWasPressedCancels) {
+    std::filesystem::copy_file(folder_ / "take.wav", folder_ / "other.wav");
+    const auto other = make<TrimWindow>(&TrimWindow::initWithPath_describes, folder_ / "other.wav", false);
+    other->show();
+    platform_.runUntilIdle();
+    window_->saveTrimmed(nullptr);
+    other->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    std::vector<headless::Window*> sheets;
+    for (auto* const each : platform_.windows())
+        if (each->isSheet()) sheets.push_back(each);
+    ASSERT_EQ(sheets.size(), 2u);
+    sheets[0]->keyDown(kKeyCodeEscape, kEscapeCharacter);
+    const auto windows = NSApplication::sharedApplication().windows();
+    EXPECT_THAT(texts(*windows[0]), Contains("Cancelling…"));
+    EXPECT_THAT(texts(*windows[1]), Contains("0 %"));
+    platform_.runUntilIdle();
+    platform_.advance(1);
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "other.wav", "other-trimmed.wav"));
+}
+
+TEST_F(WindowsThatSave, ClosingAsksOnlyWhileItSaves) {
+    window_->saveTrimmed(nullptr);
+    platform_.script([this] {
+        EXPECT_EQ(platform_.windows().back()->labelText("alertMessage"), "“take.wav” is still being saved.");
+        answer("Cancel");
+    });
+    EXPECT_FALSE(user_->closeByUser());
+    EXPECT_TRUE(window().isVisible());
+    platform_.script([] { answer("Discard"); });
+    EXPECT_TRUE(user_->closeByUser());
+    platform_.runUntilIdle();
+    platform_.advance(1);
+    EXPECT_THAT(platform_.windows(), IsEmpty()) << "no sheet comes any more";
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav"));
+}
+
+TEST_F(WindowsThatSave, ClosingAsksUnderTheSheetToo) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    ASSERT_NE(sheet(), nullptr);
+    platform_.script([] { answer("Discard"); });
+    EXPECT_TRUE(user_->closeByUser());
+    EXPECT_THAT(platform_.windows(), IsEmpty());
+    platform_.runUntilIdle();
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav"));
+}
+
+TEST_F(WindowsThatSave, ASaveThatEndsSettlesTheQuestion) {
+    window_->saveTrimmed(nullptr);
+    platform_.script([this] {
+        EXPECT_TRUE(asks());
+        platform_.runUntilIdle();
+    });
+    EXPECT_TRUE(user_->closeByUser());
+    EXPECT_FALSE(asks());
+    EXPECT_THAT(platform_.windows(), IsEmpty());
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "take-trimmed.wav"));
+}
+
+TEST_F(WindowsThatSave, ASaveThatFailsSettlesTheQuestionAndIsTold) {
+    window_->saveTrimmed(nullptr);
+    std::filesystem::remove(folder_ / "take.wav");
+    platform_.script([this] { platform_.runUntilIdle(); });
+    EXPECT_FALSE(user_->closeByUser());
+    EXPECT_FALSE(asks());
+    EXPECT_TRUE(window_->failed());
+    EXPECT_THAT(message(), testing::HasSubstr("take.wav"));
+}
+
+TEST_F(WindowsThatSave, QuittingAsksWhetherToStop) {
+    EXPECT_TRUE(window_->mayStopSaving()) << "there is nothing to ask";
+    window_->saveTrimmed(nullptr);
+    platform_.script([] { answer("Cancel"); });
+    EXPECT_FALSE(window_->mayStopSaving());
+    platform_.script([this] {
+        EXPECT_FALSE(window_->mayStopSaving()) << "it asks already";
+        answer("Discard");
+    });
+    EXPECT_TRUE(window_->mayStopSaving());
+    EXPECT_FALSE(platform_.starved());
+}
+
+TEST_F(WindowsThatSave, AQuestionThatTheEndOfTheProgramTookAwayStopsNothing) {
+    window_->saveTrimmed(nullptr);
+    platform_.script([] { NSApplication::sharedApplication().abortModal(); });
+    EXPECT_FALSE(window_->mayStopSaving());
+    platform_.runUntilIdle();
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "take-trimmed.wav"));
+}
+
+} // namespace trimstudio
