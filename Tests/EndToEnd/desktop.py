@@ -20,7 +20,7 @@ class Timeout(Exception):
     pass
 
 
-def wait_until(what, condition, deadline=DEADLINE):
+def wait_until(what, condition, deadline=DEADLINE, pause=0.01):
     """Asks again and again until the condition gives something, and answers that."""
     end = time.monotonic() + deadline
     while True:
@@ -29,7 +29,7 @@ def wait_until(what, condition, deadline=DEADLINE):
             return result
         if time.monotonic() > end:
             raise Timeout(f"waited {deadline} s for {what}")
-        time.sleep(0.01)
+        time.sleep(pause)
 
 
 class Desktop(contextlib.ExitStack):
@@ -237,7 +237,7 @@ class TrimStudio:
         if SANITIZERS_REPORT.search(errors):
             raise AssertionError(errors)
 
-    def _newest(self):
+    def newest(self):
         with contextlib.suppress(queue.Empty):
             while True:
                 self.history.append(self.lines.get_nowait())
@@ -259,7 +259,7 @@ class TrimStudio:
     def wait(self, what, condition):
         """The newest description, once the condition holds for it."""
         def check():
-            newest = self._newest()
+            newest = self.newest()
             return self._placed() if newest and condition(newest) else None
         try:
             return wait_until(what, check)
@@ -280,7 +280,7 @@ class TrimStudio:
         return found is not None
 
     def slider(self):
-        return self._newest()["views"]["splitSlider"]
+        return self.newest()["views"]["splitSlider"]
 
     def drag(self, handle, to_x, to_y=None, steps=5):
         """Takes a handle by its middle, and lets go of it at a position of the pointer."""
@@ -294,7 +294,7 @@ class TrimStudio:
         self.desktop.release()
 
     def click(self, view):
-        x, y, width, height = self._newest()["views"][view]["rect"]
+        x, y, width, height = self.newest()["views"][view]["rect"]
         self.desktop.move(x + width / 2, y + height / 2)
         self.desktop.press()
         self.desktop.release()

@@ -6,11 +6,14 @@ import ctypes
 import hashlib
 import os
 import pathlib
+import re
 import shutil
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 from desktop import DEADLINE, SANITIZERS_REPORT, Desktop, TrimStudio, WaylandDesktop, media_length, wait_until
@@ -48,11 +51,11 @@ def digest(path):
 
 
 @contextlib.contextmanager
-def background_work_held(process):
-    """What the program begins in the background meanwhile waits until the end of this."""
+def background_work_held(process, idle=True):
+    """What the program does, or begins, in the background meanwhile waits until the end of this."""
     tasks = pathlib.Path(f"/proc/{process.pid}/task")
     pooled = [task for task in tasks.iterdir() if (task / "comm").read_text() == "ZRUIKit queue\n"]
-    wait_until("idle threads", lambda: pooled and all("State:\tS" in (task / "status").read_text() for task in pooled))
+    wait_until("idle threads", lambda: pooled and all(not idle or "State:\tS" in (task / "status").read_text() for task in pooled))
     threads = [int(task.name) for task in pooled]
     libc = ctypes.CDLL(None, use_errno=True)
 
@@ -511,6 +514,87 @@ class Saving(Endings, TrimmingTest):
         studio.wait("the saved file", lambda d: d["saved"] and not d["sheet"])
         self.desktop.pointer("key", "ctrl+q")
         self.assert_clean(studio.ended(), studio, "first.mp4", "first-trimmed.mp4", "second.wav")
+
+
+class Large(TrimmingTest):
+    """A recording of one gibibyte, most of it not on the disk; what is saved of it is."""
+
+    SIZE = 1 << 30
+    SECONDS = SIZE / (2 * 2 * 48000)
+
+    def open_large(self, *others):
+        path = self.folder / "large.wav"
+        header = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + self.SIZE, b"WAVE", b"fmt ", 16, 1, 2, 48000, 192000, 4, 16,
+                             b"data", self.SIZE)
+        with path.open("wb") as file:
+            file.write(header)
+            file.truncate(len(header) + self.SIZE)
+        studio = self.start(path, *others)
+        studio.follow(path)
+        studio.wait_until_ready()
+        return studio
+
+    @staticmethod
+    def memory(studio, which):
+        status = pathlib.Path(f"/proc/{studio.process.pid}/status").read_text()
+        return int(re.search(rf"{which}:\s+(\d+) kB", status)[1]) << 10
+
+    @staticmethod
+    def waited_for_a_processor(studio):
+        """Seconds in which the main thread could have run, had the machine not been busy otherwise."""
+        return int(pathlib.Path(f"/proc/{studio.process.pid}/task/{studio.process.pid}/schedstat").read_text().split()[1]) / 1e9
+
+    def test_saving_it_keeps_the_windows_alive_and_the_memory_flat(self):
+        other = self.make("other.wav", SOUND)
+        studio = self.open_large(other)
+        before = self.memory(studio, "VmRSS")
+        studio.click("saveButton")
+        studio.wait("the sheet", lambda d: d["sheet"])
+        begun = len(studio.history)
+        studio.follow(other)
+        studio.wait_until_ready()
+        self.desktop.pointer("windowactivate", "--sync", studio.window)
+        x, y, width, height = studio.last["views"]["progressSlider"]["track"]
+        answers = []
+        saved = lambda: any(d["saved"] for d in studio.history[begun:] if d["file"] != str(other))
+        while not saved():
+            fraction = 0.2 + 0.1 * (len(answers) % 7)
+            self.desktop.move(x + width * fraction, y + height / 2)
+            self.desktop.press()
+            start, waited = time.monotonic(), self.waited_for_a_processor(studio)
+            wait_until("the position", lambda: abs(
+                studio.newest()["views"]["progressSlider"]["value"] / studio.last["duration"] - fraction) < 0.01, pause=0.001)
+            answers.append(time.monotonic() - start - (self.waited_for_a_processor(studio) - waited))
+            self.desktop.release()
+        shown = [d["sheet"]["progress"] for d in studio.history[begun:] if d["file"] != str(other) and d["sheet"]]
+        print(f"\n{len(answers)} events, the slowest {max(answers) * 1000:.0f} ms; {len(set(shown))} steps of progress; "
+              f"memory grew by {(self.memory(studio, 'VmHWM') - before) / (1 << 20):.1f} MiB", file=sys.stderr)
+        self.assertGreater(len(answers), 3)
+        self.assertLess(max(answers), 0.1)
+        self.assertEqual(shown, sorted(shown))
+        self.assertGreater(len(set(shown)), 10)
+        self.assertLess(self.memory(studio, "VmHWM") - before, 48 << 20)
+        self.assertAlmostEqual(media_length(self.folder / "large-trimmed.wav"), self.SECONDS, delta=0.001)
+        self.desktop.pointer("key", "ctrl+q")
+        self.assertEqual(studio.ended(), 0)
+
+    def test_cancel_in_the_middle_stops_it_promptly(self):
+        studio = self.open_large()
+        studio.click("saveButton")
+        with contextlib.ExitStack() as hold:
+            studio.wait("the sheet", lambda d: d["sheet"] and d["sheet"]["progress"] > 0.02)
+            hold.enter_context(background_work_held(studio.process, idle=False))
+            reached = studio.newest()["sheet"]["progress"]
+            self.assertLess(reached, 1)
+            self.assertEqual(len(list(self.folder.iterdir())), 2)
+            studio.click_in("sheet", "Cancel")
+            studio.wait("its effect", lambda d: "Cancelling…" in d["sheet"]["texts"])
+        start = time.monotonic()
+        ended = studio.wait("the end of the sheet", lambda d: not d["sheet"])
+        print(f"\ncancelled at {reached:.0%}, gone after {(time.monotonic() - start) * 1000:.0f} ms", file=sys.stderr)
+        self.assertEqual((ended["message"], ended["saved"]), ("Saving was cancelled. Nothing was written.", None))
+        self.assert_nothing_left_over("large.wav")
+        self.assertEqual(studio.close(), 0)
 
 
 class Wayland(DragsOfTheHandles, DragsOfThePosition, Endings, TrimmingTest):
