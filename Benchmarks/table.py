@@ -1,6 +1,6 @@
 """Makes one table of what the benchmarks measured: ours beside a peer, in one run.
 
-    table.py BENCH_PROGRAM JSON_FILE
+    table.py FOLDER_OF_PROGRAMS JSON_FILE
 
 Each figure is the best of its repetitions, which come in random order: the machine's clock wanders, so only what was
 measured side by side compares. An aim that is missed is marked; it does not make the run fail.
@@ -55,11 +55,24 @@ def rows_at(ratio, best):
     return rows
 
 
+def rows_of_dialogs(best):
+    sheet, dialog = "ZRLoadingWndCtl", "QProgressDialog"
+    pairs = [("opening and closing the progress sheet / QProgressDialog", f"open/{sheet}", f"open/{dialog}"),
+             ("one update of the progress, painted / QProgressDialog", f"update/{sheet}", f"update/{dialog}"),
+             ("longest wait of an event, 1,000 updates a second / QProgressDialog", f"wait/{sheet}", f"wait/{dialog}")]
+    pairs += [(f"an alert with {count} actions / QMessageBox", f"alert {count}/ZRAlert", f"alert {count}/QMessageBox")
+              for count in (1, 5, 50)]
+    pairs.append(("loading ZRLoadingWndCtl.xib / a .ui file of the same", "load/ZRLoadingWndCtl.xib", "load/.ui file"))
+    return [(name, best[ours, "time"], best[peer, "time"], "us", None) for name, ours, peer in pairs]
+
+
 def main():
-    program, target = sys.argv[1:]
+    folder, target = sys.argv[1:]
     table = []
-    for ratio in (1, 2):
-        for name, ours, peer, unit, aim in rows_at(ratio, measure(program, ratio)):
+    measured = [rows_at(ratio, measure(os.path.join(folder, "slider_benchmarks"), ratio)) for ratio in (1, 2)]
+    measured.append(rows_of_dialogs(measure(os.path.join(folder, "dialog_benchmarks"), 1)))
+    for rows in measured:
+        for name, ours, peer, unit, aim in rows:
             quotient = ours / peer if peer else None
             reached = None if aim is None else (ours if quotient is None else quotient) <= aim
             table.append({"name": name, "ours": ours, "peer": peer, "unit": unit, "ratio": quotient, "aim": aim,

@@ -74,7 +74,8 @@ protected:
     }
     double progress() const {
         for (const auto& view : window().attachedSheet()->contentView()->subviews())
-            if (const auto* const bar = dynamic_cast<NSProgressIndicator*>(view.get())) return bar->doubleValue();
+            if (const auto* const bar = dynamic_cast<NSProgressIndicator*>(view.get()))
+                return bar->doubleValue();
         return -1;
     }
     std::string message() { return user_->labelText("messageLabel"); }
