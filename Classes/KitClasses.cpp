@@ -3,7 +3,10 @@
 #include <AppKit/NSButton.h>
 #include <AppKit/NSControl.h>
 #include <AppKit/NSImage.h>
+#include <AppKit/NSImageView.h>
+#include <AppKit/NSMenu.h>
 #include <AppKit/NSNib.h>
+#include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSView.h>
@@ -48,6 +51,9 @@ std::span<const ClassTable* const> kitClassTables() {
         &ZRAlert::classTable(),
         &ZRLoadingWndCtl::classTable(),
         &NSProgressIndicator::classTable(),
+        &NSImageView::classTable(),
+        &NSMenu::classTable(),
+        &NSMenuItem::classTable(),
     };
     return tables;
 }

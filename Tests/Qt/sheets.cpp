@@ -1,10 +1,13 @@
 #include "QtTest.h"
 
 #include <AppKit/NSApplication.h>
+#include <Foundation/NSString.h>
+#include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/SWTimeEditView.h>
 #include <ZRUIKit/ZRAlert.h>
 #include <ZRUIKit/ZRLoadingWndCtl.h>
 
+#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QShortcut>
@@ -197,6 +200,49 @@ TEST(QtDialogPictures, NothingIsClippedInAnyLanguage) {
         loading->endLoading();
         test::QtTest::settle();
     }
+}
+
+// The question that TrimStudio asks, in its own words.
+TEST(QtDialogPictures, AnAlertIsClippedInNoLanguage) {
+    for (const char* const language : {"en", "de", "es", "fr", "ja", "zh-Hans"})
+        for (const Appearance appearance : {Appearance::light, Appearance::dark}) {
+            const zr::qt::Platform platform(
+                {.mainBundle = ZR_TRIMSTUDIO_RESOURCES, .preferredLanguages = {{language}}});
+            NSApplication::sharedApplication().setAppearance(appearance);
+            QTimer::singleShot(0, [&] {
+                QWidget* const alert = QApplication::activeModalWidget();
+                ASSERT_NE(alert, nullptr);
+                test::QtTest::settle();
+                for (const auto* const button : alert->findChildren<QPushButton*>()) {
+                    EXPECT_LE(button->fontMetrics().horizontalAdvance(button->text()) + 16, button->width())
+                        << language;
+                    EXPECT_TRUE(alert->rect().contains(button->geometry())) << language;
+                }
+                int texts = 0;
+                for (const auto* const label : alert->findChildren<QLabel*>()) {
+                    if (label->text().isEmpty()) continue;
+                    ++texts;
+                    const QRect needed = label->fontMetrics().boundingRect(
+                        QRect(0, 0, label->width(), 10000), Qt::AlignLeft | Qt::TextWordWrap, label->text());
+                    EXPECT_LE(needed.height(), label->height())
+                        << language << ": " << label->text().toStdString();
+                }
+                EXPECT_EQ(texts, 2) << language;
+                alert->grab().save(QString("%1/alert-%2-%3.png")
+                                       .arg(QCoreApplication::applicationDirPath(), language,
+                                            appearance == Appearance::dark ? "dark" : "light"));
+                NSApplication::sharedApplication().abortModal();
+            });
+            ZRAlert::Actions_title_info_accessoryView(
+                {ZRAlertAction::actionWithTitle_block(AppLocalizedString("Keep Before"), nullptr),
+                 ZRAlertAction::actionWithTitle_block(AppLocalizedString("Keep After"), nullptr),
+                 ZRAlertAction::CANCEL(nullptr)},
+                stringWithFormat(AppLocalizedString("“%@” is still being saved."),
+                                 "alarm-clock-elapsed-with-a-long-name.oga"),
+                AppLocalizedString(
+                    "What has been saved so far can be discarded. The recording itself stays as it is."),
+                nullptr);
+        }
 }
 
 } // namespace zr

@@ -108,8 +108,7 @@ private:
     void note(const std::string& what) { happenings().push_back(identifier() + " " + what); }
 };
 
-// Classes that the layer may not have yet, of which only their names count here.
-void registerTestClasses();
+void registerTestClasses(); // what files may name
 
 class NibTest : public testing::Test {
 protected:

@@ -2,6 +2,8 @@
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSButton.h>
+#include <AppKit/NSImage.h>
+#include <AppKit/NSImageView.h>
 #include <AppKit/NibFile.h>
 #include <ZRUIKit/SplitSliderView.h>
 
@@ -47,6 +49,21 @@ TEST_F(NibObjects, SubviewsStandInTheOrderOfTheFile) {
     ASSERT_EQ(made->subviews()[0]->subviews().size(), 1u);
     EXPECT_TRUE(std::dynamic_pointer_cast<NSTextField>(made->subviews()[0]->subviews()[0]));
     EXPECT_EQ(top_.size(), 1u);
+}
+
+TEST_F(NibObjects, AnImageViewShowsAPictureOfABundle) {
+    const auto cell = [](const char* attributes) {
+        return stringWithFormat("<imageView id=\"i\"><imageCell key=\"cell\" %s id=\"c\"/></imageView>",
+                                attributes);
+    };
+    ASSERT_TRUE(open(cell("imageScaling=\"axesIndependently\" image=\"SliderTrimLeft\"")));
+    EXPECT_THAT(log_, IsEmpty());
+    ASSERT_NE(top<NSImageView>(0)->image(), nullptr);
+    EXPECT_EQ(top<NSImageView>(0)->image()->size(), NSMakeSize(24, 28));
+    EXPECT_EQ(top<NSImageView>(0)->imageScaling(), NSImageScaleAxesIndependently);
+    ASSERT_TRUE(open(cell("image=\"No such picture\"")));
+    EXPECT_EQ(top<NSImageView>(0)->image(), nullptr);
+    EXPECT_EQ(top<NSImageView>(0)->imageScaling(), NSImageScaleProportionallyDown);
 }
 
 TEST_F(NibObjects, AWindowHasWhatTheFileSays) {
