@@ -79,8 +79,8 @@ public:
 
 ZR_CLASS_TABLE(AlertContent)
 
-std::string cancelTitle() {
-    return NSBundle::mainBundle().localizedStringForKey_value_table("Cancel", "", std::nullopt);
+std::string localized(const char* title) {
+    return NSBundle::mainBundle().localizedStringForKey_value_table(title, "", std::nullopt);
 }
 
 // A label whose text has been broken into lines that fit; its height is theirs.
@@ -119,10 +119,14 @@ std::shared_ptr<NSButton> NSAlert::addButtonWithTitle(const std::string& title) 
     button->setTarget(shared_from_this());
     button->setTag(NSAlertFirstButtonReturn + static_cast<long>(buttons_.size()));
     const auto hasEscape = [](const auto& each) { return each->keyEquivalent() == kEscapeCharacter; };
-    if (buttons_.empty())
+    if (buttons_.empty()) {
         button->setKeyEquivalent(kReturnCharacter);
-    else if (title == cancelTitle() && std::ranges::none_of(buttons_, hasEscape))
+    } else if (title == localized("Cancel") && std::ranges::none_of(buttons_, hasEscape)) {
         button->setKeyEquivalent(kEscapeCharacter);
+    } else if (title == localized("Don't Save")) {
+        button->setKeyEquivalent("d");
+        button->setKeyEquivalentModifierMask(NSEventModifierFlagCommand);
+    }
     buttons_.push_back(button);
     return button;
 }
@@ -149,15 +153,15 @@ NSWindow& NSAlert::window() {
 void NSAlert::layOut() {
     auto shown = buttons_;
     if (shown.empty()) {
-        const auto ok = NSButton::buttonWithTitle_target_action(
-            NSBundle::mainBundle().localizedStringForKey_value_table("OK", "", std::nullopt), nullptr,
-            "pressed:");
+        const auto ok = NSButton::buttonWithTitle_target_action(localized("OK"), nullptr, "pressed:");
         ok->setTarget(shared_from_this());
         ok->setTag(NSAlertFirstButtonReturn);
         ok->setKeyEquivalent(kReturnCharacter);
         shown.push_back(ok);
     }
-    const auto cancels = [cancel = cancelTitle()](const auto& button) { return button->title() == cancel; };
+    const auto cancels = [cancel = localized("Cancel")](const auto& button) {
+        return button->title() == cancel;
+    };
     const auto cancel = std::ranges::find_if(shown, cancels);
     closing_->escape = cancel == shown.end() ? nullptr : *cancel;
 
@@ -258,7 +262,7 @@ int runAlertPanel(const std::string& title, const std::string& message,
     const auto alert = make<NSAlert>();
     alert->setMessageText(title);
     alert->setInformativeText(message);
-    const std::string ok = NSBundle::mainBundle().localizedStringForKey_value_table("OK", "", std::nullopt);
+    const std::string ok = localized("OK");
     std::vector<int> responses = {NSAlertDefaultReturn};
     alert->addButtonWithTitle(defaultButton.value_or("").empty() ? ok : *defaultButton);
     const auto add = [&](const std::optional<std::string>& button, int response) {

@@ -207,10 +207,8 @@ void NSTextField::tabbed(bool backwards) {
     const auto held = retained(this);
     if (!window()) return;
     movement_ = backwards ? NSBacktabTextMovement : NSTabTextMovement;
-    if (backwards)
-        window()->selectKeyViewPrecedingView(this);
-    else
-        window()->selectKeyViewFollowingView(this);
+    // The only one ends and goes on at once.
+    if (!window()->selectKeyView(this, backwards) && endEditing(movement_)) selectText(nullptr);
     movement_ = NSOtherTextMovement;
 }
 

@@ -10,11 +10,13 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace zr {
 
 ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("performClose:")},
-               .outlets = {outletNamed<&NSWindow::setDelegate>("delegate")})
+               .outlets = {outletNamed<&NSWindow::setDelegate>("delegate"),
+                           outletNamed<&NSWindow::setInitialFirstResponder>("initialFirstResponder")})
 
 struct NSWindow::Client final : port::WindowClient {
     explicit Client(NSWindow& owner) : window(owner) {}
@@ -226,8 +228,10 @@ void NSWindow::wasShown() {
     NSApplication::sharedApplication().windowWasShown(*this);
     // Lay out first, realise late: no view is ever seen at a wrong place.
     contentView_->layoutSubtreeIfNeeded();
-    open_ = true;
+    const bool first = !std::exchange(open_, true);
     visible_ = true;
+    if (auto* const view = initialFirstResponder(); first && view && firstResponder() == this)
+        makeFirstResponder(view);
 }
 
 void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
@@ -343,14 +347,14 @@ void NSWindow::endEditingFor(NSObject*) {
     }
 }
 
-void NSWindow::selectKeyView(NSView* from, bool backwards) {
+bool NSWindow::selectKeyView(NSView* from, bool backwards) {
     std::vector<std::shared_ptr<NSView>> views;
     const auto collect = [&](const auto& self, NSView& view) -> void {
         if (view.canBecomeKeyView()) views.push_back(std::static_pointer_cast<NSView>(view.shared_from_this()));
         for (const auto& subview : view.subviews()) self(self, *subview);
     };
     collect(collect, *contentView_);
-    if (views.empty()) return;
+    if (views.empty()) return false;
     std::shared_ptr<NSView> next;
     // Along the links that were made, over views that cannot take the keyboard.
     const auto linkedFrom = [this](const NSView& view) -> NSView* {
@@ -373,7 +377,9 @@ void NSWindow::selectKeyView(NSView* from, bool backwards) {
         else
             next = views[backwards ? (index + count - 1) % count : (index + 1) % count];
     }
-    if (next.get() != from) makeFirstResponder(next.get());
+    if (next.get() == from) return false;
+    makeFirstResponder(next.get());
+    return true;
 }
 
 bool NSWindow::performKeyEquivalentOf(const char* characters) {

@@ -87,6 +87,10 @@ public:
     NSResponder* firstResponder() const;
     bool makeFirstResponder(NSResponder* responder);
 
+    // Becomes first responder when the window is first shown, unless another view is already.
+    NSView* initialFirstResponder() const { return initialFirstResponder_.lock().get(); }
+    void setInitialFirstResponder(const std::weak_ptr<NSView>& view) { initialFirstResponder_ = view; }
+
     // Ends the editing of a field of this window without asking its delegate, and makes the window first
     // responder.
     void endEditingFor(NSObject* object);
@@ -128,7 +132,7 @@ private:
 
     friend class NSAlert;
     friend class NSTextField;
-    void selectKeyView(NSView* from, bool backwards);
+    bool selectKeyView(NSView* from, bool backwards); // false: there is no other
     bool performKeyEquivalentOf(const char* characters);
     void realise();
     void unrealise();
@@ -175,6 +179,7 @@ private:
     bool isSheet_ = false;
     bool isPanel_ = false; // comes and goes by itself, and is no reason to quit, or to go on
     std::weak_ptr<NSWindow> attachedSheet_, sheetParent_;
+    std::weak_ptr<NSView> initialFirstResponder_;
     bool pressWasEnded_ = false; // by something else than the release
     bool updateScheduled_ = false;
     unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up

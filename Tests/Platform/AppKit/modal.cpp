@@ -106,6 +106,17 @@ TEST_F(ModalSessions, AnAlertsKeysCanBeChangedBeforeItRuns) {
     EXPECT_EQ(question->runModal(), 1000);
 }
 
+TEST_F(ModalSessions, DoNotSaveHasAKeyOfItsOwnUnlessItIsFirst) {
+    const auto question = alert({"Save", "Cancel", "Don't Save"});
+    platform_.script([&] {
+        platform_.windows().back()->keyDown(0, "d");
+        EXPECT_NE(application().modalWindow(), nullptr) << "with Command only";
+        platform_.windows().back()->keyDown(0, "d", NSEventModifierFlagCommand);
+    });
+    EXPECT_EQ(question->runModal(), 1002);
+    EXPECT_EQ(alert({"Don't Save", "Cancel"})->buttons()[0]->keyEquivalent(), "\r");
+}
+
 TEST_F(ModalSessions, APanelAnswersByItsPlaceAndFormatsItsMessage) {
     const auto press = [&](int index) {
         platform_.script([this, index] {

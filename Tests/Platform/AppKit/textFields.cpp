@@ -188,6 +188,42 @@ TEST_F(TextFields, TabFollowsTheLinksOverViewsThatCannotTakeTheKeyboard) {
     EXPECT_EQ(window_->firstResponder(), first_.get()) << "all the way back";
 }
 
+TEST_F(TextFields, TabInTheOnlyFieldEndsAndTheFieldGoesOn) {
+    second_->setHidden(true);
+    begin();
+    user_->keyDown(kKeyCodeTab, "\t");
+    EXPECT_THAT(life_->taken(), ElementsAre("may end", "ended"));
+    EXPECT_EQ(window_->firstResponder(), first_.get());
+    EXPECT_FALSE(first_->isEditing());
+    user_->type("y");
+    EXPECT_THAT(life_->taken(), ElementsAre("began", "changed"));
+    EXPECT_EQ(first_->stringValue(), "y") << "all of it was selected";
+    life_->ends = false;
+    user_->keyDown(kKeyCodeTab, "\t", NSEventModifierFlagShift);
+    EXPECT_THAT(life_->taken(), ElementsAre("may end"));
+    EXPECT_TRUE(first_->isEditing());
+}
+
+TEST_F(TextFields, TheInitialFirstResponderHasTheKeyboardWhenTheWindowIsShown) {
+    const auto content = probe("content", NSMakeRect(0, 0, 200, 100));
+    const auto field = make<NSTextField>(NSMakeRect(0, 0, 100, 24)),
+               other = make<NSTextField>(NSMakeRect(0, 30, 100, 24));
+    content->addSubview(other);
+    content->addSubview(field);
+    const auto window = makeWindow(content);
+    window->setInitialFirstResponder(field);
+    EXPECT_EQ(window->initialFirstResponder(), field.get());
+    EXPECT_EQ(window->firstResponder(), window.get());
+    window->makeKeyAndOrderFront(nullptr);
+    EXPECT_EQ(window->firstResponder(), field.get());
+    platform_.windows().back()->type("typed");
+    EXPECT_EQ(field->stringValue(), "typed");
+    window->makeFirstResponder(other.get());
+    window->orderOut(nullptr);
+    window->makeKeyAndOrderFront(nullptr);
+    EXPECT_EQ(window->firstResponder(), other.get()) << "only the first time";
+}
+
 TEST_F(TextFields, ARefusedEndSelectsTheText) {
     begin();
     life_->ends = false;
