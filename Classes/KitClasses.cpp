@@ -9,6 +9,7 @@
 #include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSTextField.h>
+#include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSViewController.h>
 #include <AppKit/NSWindow.h>
@@ -54,6 +55,8 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSImageView::classTable(),
         &NSMenu::classTable(),
         &NSMenuItem::classTable(),
+        &NSToolbar::classTable(),
+        &NSToolbarItem::classTable(),
     };
     return tables;
 }

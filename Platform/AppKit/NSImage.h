@@ -46,6 +46,7 @@ public:
                                                 NSCompositingOperation operation, double fraction) const;
 
 private:
+    friend class NSToolbar;
     struct Focus;
 
     NSSize size_;

@@ -3,6 +3,7 @@
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSNib.h>
+#include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSBundle.h>
@@ -41,6 +42,7 @@ public:
         }
         assemble(nib::Object::Role::subview);
         assemble(nib::Object::Role::contentView);
+        assemble(nib::Object::Role::toolbar);
     }
     void check() const {
         for (const auto& plan : file_.outlets) {
@@ -80,6 +82,10 @@ private:
         for (std::size_t i = 0; i < objects_.size(); ++i) {
             if (file_.objects[i].role != role) continue;
             const auto& parent = resolve(file_.objects[i].parent);
+            if (role == nib::Object::Role::toolbar) {
+                static_cast<NSWindow&>(*parent).setToolbar(std::static_pointer_cast<NSToolbar>(objects_[i]));
+                continue;
+            }
             const auto view = std::static_pointer_cast<NSView>(objects_[i]);
             if (role == nib::Object::Role::subview)
                 viewOf(parent).addSubview(view);

@@ -4,6 +4,7 @@
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSScreen.h>
 #include <AppKit/NSTextField.h>
+#include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
@@ -46,7 +47,7 @@ struct NSWindow::Client final : port::WindowClient {
     }
     void peerMoved() override {
         const auto held = retained(&window);
-        if (const auto delegate = window.delegate()) delegate->windowDidMove(window);
+        window.peerMoved();
     }
     void peerBlocked() override { window.cancelTracking(); }
     void peerGone() override {
@@ -77,6 +78,7 @@ bool NSWindow::initWithContentRect_styleMask_backing_defer(const NSRect& content
                                                            NSBackingStoreType, bool) {
     contentSize_ = contentRect.size;
     styleMask_ = styleMask;
+    topLeft_ = {contentRect.origin.x, NSMaxY(contentRect) + topInset()};
     setContentView(nullptr);
     return true;
 }
@@ -111,6 +113,7 @@ bool NSWindow::initWithForeignPeer(const PeerMaker& makePeer, const std::shared_
 
 void NSWindow::dealloc() {
     unrealise();
+    setToolbar(nullptr);
     if (contentView_) contentView_->moveToWindow(nullptr);
     NSResponder::dealloc();
 }
@@ -159,11 +162,81 @@ void NSWindow::setContentMaxSize(const NSSize& size) {
 
 void NSWindow::contentResized(const NSSize& size) {
     if (size == contentSize_) return;
+    const double bottom = frame().origin.y;
     contentSize_ = size;
     const auto content = contentView_;
     content->setFrame({NSZeroPoint, size});
     update();
+    didResize();
+    // The upper edge stays.
+    if (frame().origin.y != bottom) didMove();
+}
+
+void NSWindow::didResize() {
     if (const auto delegate = this->delegate()) delegate->windowDidResize(*this);
+    NSNotificationCenter::defaultCenter().postNotificationName_object(NSWindowDidResizeNotification, this);
+}
+
+void NSWindow::didMove() {
+    if (const auto delegate = this->delegate()) delegate->windowDidMove(*this);
+    NSNotificationCenter::defaultCenter().postNotificationName_object(NSWindowDidMoveNotification, this);
+}
+
+void NSWindow::peerMoved() {
+    const NSPoint topLeft = peer_->frameTopLeft();
+    topLeft_ = {topLeft.x, NSScreen::mainScreen().frame().size.height - topLeft.y};
+    didMove();
+}
+
+double NSWindow::topInset() const {
+    if (peer_) return peer_->topInset();
+    constexpr double kUsualTitleBar = 22, kUsualToolbar = 56;
+    return ((styleMask_ & NSWindowStyleMaskTitled) != 0 ? kUsualTitleBar : 0) + (toolbar_ ? kUsualToolbar : 0);
+}
+
+NSRect NSWindow::frame() const {
+    return frameRectForContentRect({{topLeft_.x, topLeft_.y - topInset() - contentSize_.height}, contentSize_});
+}
+
+NSRect NSWindow::frameRectForContentRect(const NSRect& content) const {
+    return {content.origin, {content.size.width, content.size.height + topInset()}};
+}
+
+void NSWindow::placePeer() {
+    if (peer_ && placed_ && !foreign_)
+        peer_->setFrameTopLeft({topLeft_.x, NSScreen::mainScreen().frame().size.height - topLeft_.y});
+}
+
+void NSWindow::setFrame_display_animate(const NSRect& frame, bool, bool) {
+    const auto held = retained(this);
+    const NSRect before = this->frame();
+    topLeft_ = {frame.origin.x, NSMaxY(frame)};
+    placed_ = true;
+    placePeer();
+    const NSSize size = {frame.size.width, std::max(0.0, frame.size.height - topInset())};
+    // A resize that keeps the upper edge tells of the move by itself.
+    const bool moved = topLeft_ != NSPoint{before.origin.x, NSMaxY(before)};
+    if (moved && !peer_) didMove();
+    contentResized(peer_ ? peer_->setContentSize(size) : size);
+}
+
+void NSWindow::setFrameTopLeftPoint(const NSPoint& point) {
+    const auto held = retained(this);
+    const bool moved = point != topLeft_;
+    topLeft_ = point;
+    placed_ = true;
+    placePeer();
+    if (moved && !peer_) didMove();
+}
+
+void NSWindow::setToolbar(const std::shared_ptr<NSToolbar>& toolbar) {
+    if (toolbar == toolbar_) return;
+    if (toolbar_) toolbar_->windowChanged(nullptr);
+    toolbar_ = toolbar;
+    if (toolbar)
+        toolbar->windowChanged(this);
+    else if (peer_)
+        peer_->setToolbar({}, nullptr);
 }
 
 void NSWindow::realise() {
@@ -173,6 +246,8 @@ void NSWindow::realise() {
     peer_->setTitle(title_);
     peer_->setContentLimits(contentMinSize_, contentMaxSize_);
     contentView_->realiseAsContent(system, *peer_);
+    if (toolbar_) toolbar_->windowChanged(this);
+    placePeer();
     focusFirstResponder();
 }
 
@@ -335,6 +410,29 @@ void NSWindow::focusLeft() {
         field->didEndEditing(NSOtherTextMovement);
     else if (first)
         first->resignFirstResponder();
+}
+
+void NSWindow::recalculateKeyViewLoop() {
+    struct Place {
+        std::shared_ptr<NSView> view;
+        NSPoint topLeft;
+    };
+    std::vector<Place> places;
+    const auto collect = [&](const auto& self, NSView& view) -> void {
+        view.setNextKeyView(nullptr);
+        if (view.acceptsFirstResponder()) {
+            const NSRect frame = view.convertRect_toView(view.bounds(), nullptr);
+            places.push_back(
+                {std::static_pointer_cast<NSView>(view.shared_from_this()), {frame.origin.x, NSMaxY(frame)}});
+        }
+        for (const auto& subview : view.subviews()) self(self, *subview);
+    };
+    collect(collect, *contentView_);
+    std::ranges::stable_sort(places, [](const Place& a, const Place& b) {
+        return a.topLeft.y != b.topLeft.y ? a.topLeft.y > b.topLeft.y : a.topLeft.x < b.topLeft.x;
+    });
+    for (std::size_t i = 0; i < places.size(); ++i)
+        places[i].view->setNextKeyView(places[(i + 1) % places.size()].view);
 }
 
 void NSWindow::endEditingFor(NSObject*) {
@@ -554,6 +652,7 @@ void NSWindow::keyChanged(bool key) {
 void NSWindow::appearanceChanged() {
     const auto content = contentView_;
     content->appearanceChanged();
+    if (toolbar_) toolbar_->windowChanged(this); // its pictures
 }
 
 NSRect NSWindow::convertRectToScreen(const NSRect& rect) const {

@@ -2,6 +2,7 @@
 
 #include <AppKit/NSResponder.h>
 #include <Base/Geometry.h>
+#include <Foundation/NSNotification.h>
 
 #include <functional>
 #include <memory>
@@ -10,6 +11,7 @@
 
 namespace zr {
 
+class NSToolbar;
 class NSView;
 class NSWindow;
 
@@ -26,6 +28,10 @@ enum NSWindowStyleMask : unsigned {
 };
 
 enum NSBackingStoreType { NSBackingStoreBuffered = 2 };
+
+// Posted by windows, about themselves.
+inline const NSNotificationName NSWindowDidMoveNotification = "NSWindowDidMoveNotification";
+inline const NSNotificationName NSWindowDidResizeNotification = "NSWindowDidResizeNotification";
 
 class NSWindowDelegate {
 public:
@@ -47,8 +53,8 @@ public:
     NSWindow();
     ~NSWindow() override;
 
-    // The content's size; where the window stands is up to the window system. `backing` and `defer` have no
-    // effect.
+    // The content's place and size. Until a frame is set, where the window stands when it is shown is up to the
+    // window system. `backing` and `defer` have no effect.
     bool initWithContentRect_styleMask_backing_defer(const NSRect& contentRect, unsigned styleMask,
                                                      NSBackingStoreType backing, bool defer);
     // Content rectangle, style mask, title and limits of the content's size.
@@ -63,6 +69,23 @@ public:
     void setContentView(const std::shared_ptr<NSView>& view); // takes the content's size; nil: an empty view
     std::shared_ptr<NSWindowDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(std::weak_ptr<NSWindowDelegate> delegate) { delegate_ = std::move(delegate); }
+
+    // The whole window with its title bar and toolbar; borders beside and below the content do not count.
+    // Screen coordinates: points, y up, origin at the lower left of the primary screen. How high a title bar is
+    // is known for certain only of a window that was shown.
+    NSRect frame() const;
+    // The frame of a window like this one with such a content: as much higher.
+    NSRect frameRectForContentRect(const NSRect& content) const;
+    // Not held to the limits of the content's size by itself; window systems may. `display` has no effect;
+    // nothing is animated. Tells the delegate, and posts, what it changed.
+    void setFrame_display_animate(const NSRect& frame, bool display, bool animate);
+    // Some window systems place windows as they like.
+    void setFrameTopLeftPoint(const NSPoint& point);
+    bool showsResizeIndicator() const { return showsResizeIndicator_; } // true at first; nothing shows it
+    void setShowsResizeIndicator(bool shows) { showsResizeIndicator_ = shows; }
+
+    const std::shared_ptr<NSToolbar>& toolbar() const { return toolbar_; } // none at first
+    void setToolbar(const std::shared_ptr<NSToolbar>& toolbar); // above the content, which keeps its size
 
     const NSSize& contentSize() const { return contentSize_; }
     void setContentSize(const NSSize& size);
@@ -100,6 +123,9 @@ public:
     void selectKeyViewFollowingView(NSView* view) { selectKeyView(view, false); }
     void selectKeyViewPrecedingView(NSView* view) { selectKeyView(view, true); }
 
+    // Links the views that take the keyboard anew: by their place, from left to right and then downwards.
+    void recalculateKeyViewLoop();
+
     void sendEvent(const NSEvent& event);
     // What no view took: key equivalents, then Tab.
     void keyDown(const NSEvent& event) override;
@@ -132,12 +158,18 @@ private:
 
     friend class NSAlert;
     friend class NSTextField;
+    friend class NSToolbar;
     bool selectKeyView(NSView* from, bool backwards); // false: there is no other
     bool performKeyEquivalentOf(const char* characters);
     void realise();
     void unrealise();
     void show(bool activate);
     void contentResized(const NSSize& size);
+    void didResize();
+    void didMove();
+    void peerMoved();
+    double topInset() const;
+    void placePeer();
     void scheduleUpdate();
     void update();
     bool shouldClose();
@@ -160,6 +192,10 @@ private:
     NSView* viewAt(const NSPoint& point) const;
 
     std::string title_;
+    NSPoint topLeft_; // of the frame
+    bool placed_ = false;
+    bool showsResizeIndicator_ = true;
+    std::shared_ptr<NSToolbar> toolbar_;
     NSSize contentSize_;
     NSSize contentMinSize_;
     NSSize contentMaxSize_{16777215, 16777215};

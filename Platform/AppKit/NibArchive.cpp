@@ -26,6 +26,7 @@ struct TextRow {
 constexpr TextRow kTexts[] = {
     {"NSIdentifier", kAny, "identifier"},
     {"NSWindowTitle", "window", "title"},
+    {"NSToolbarIdentifier", "toolbar", "implicitIdentifier"},
     {"NSTitle", kCell, "title"},
     {"NSContents", kCell, "title"},
     {"NSPlaceholderString", kCell, "placeholderString"},

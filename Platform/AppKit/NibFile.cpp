@@ -1,5 +1,6 @@
 #include "NibFile.h"
 
+#include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSString.h>
@@ -17,8 +18,9 @@ namespace {
 constexpr std::string_view kDocumentType = "com.apple.InterfaceBuilder3.Cocoa.XIB";
 
 // Elements that are read elsewhere or that mean nothing here. Any other is worth a note.
-constexpr std::array<std::string_view, 3> kKnownElements = {"subviews", "connections",
-                                                            "userDefinedRuntimeAttributes"};
+// A toolbar's items are its delegate's.
+constexpr std::array<std::string_view, 5> kKnownElements = {
+    "subviews", "connections", "userDefinedRuntimeAttributes", "allowedToolbarItems", "defaultToolbarItems"};
 constexpr std::array<std::string_view, 17> kKnownKeys = {
     "frame",    "autoresizingMask", "cell",       "contentView",    "contentRect",   "styleMask",
     "minSize",  "maxSize",          "title",      "identifier",     "font",          "textColor",
@@ -106,6 +108,10 @@ private:
             return Broken(stringWithFormat("%@: %@ is no %@", describe(element), table.name, wanted.name));
         };
         if (!table.isSubclassOf(usual)) throw isNo(usual);
+        if (role == Object::Role::toolbar) {
+            if (!table.isSubclassOf(NSToolbar::classTable())) throw isNo(NSToolbar::classTable());
+            return table;
+        }
         if (role != Object::Role::topLevel || std::string_view(element.name()) != "customObject") {
             const bool isWindow = role == Object::Role::topLevel && table.isSubclassOf(NSWindow::classTable());
             if (!isWindow && !table.isSubclassOf(NSView::classTable())) throw isNo(NSView::classTable());
@@ -121,7 +127,7 @@ private:
         object.parent = parent;
         const bool isCustomObject = std::string_view(element.name()) == "customObject";
         const bool isWindow = !isCustomObject && object.table->isSubclassOf(NSWindow::classTable());
-        const bool isView = !isCustomObject && !isWindow;
+        const bool isView = !isCustomObject && !isWindow && role != Object::Role::toolbar;
         if (!isCustomObject) object.archive.emplace(element, note_);
         object.visibleAtLaunch =
             isWindow && (!element.attribute("visibleAtLaunch") || flagOf(element, "visibleAtLaunch"));
@@ -130,13 +136,16 @@ private:
         sources_.emplace_back(element, reference);
         file_.objects.push_back(std::move(object));
 
-        bool hasContent = false;
+        bool hasContent = false, hasToolbar = false;
         for (const auto& child : elementsOf(element)) {
             if (isView && std::string_view(child.name()) == "subviews") {
                 for (const auto& view : elementsOf(child)) readObject(view, Object::Role::subview, reference);
             } else if (isWindow && std::string_view(child.attribute("key").value()) == "contentView") {
                 if (std::exchange(hasContent, true)) throw Broken(describe(child) + ": a second content view");
                 readObject(child, Object::Role::contentView, reference);
+            } else if (isWindow && std::string_view(child.attribute("key").value()) == "toolbar") {
+                if (std::exchange(hasToolbar, true)) throw Broken(describe(child) + ": a second toolbar");
+                readObject(child, Object::Role::toolbar, reference);
             } else {
                 noteUnread(child);
             }

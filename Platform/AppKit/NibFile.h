@@ -20,12 +20,12 @@ inline constexpr Reference kOwner = -2;
 inline constexpr Reference kApplication = -3;
 
 struct Object {
-    enum class Role { topLevel, subview, contentView };
+    enum class Role { topLevel, subview, contentView, toolbar };
     std::string description;
     const ClassTable* table = nullptr;
     std::optional<Archive> archive; // none: made by init
     Role role = Role::topLevel;
-    Reference parent = kOwner; // for subviews and content views
+    Reference parent = kOwner; // for subviews, content views and toolbars
     bool visibleAtLaunch = false;
 };
 

@@ -160,6 +160,9 @@ public:
         return progress.indeterminate ? -1 : progress.fraction;
     }
     bool isSheet() const override { return sheetParent != nullptr; }
+    std::vector<std::string> toolbarItems() const override;
+    bool clickToolbarItem(std::string_view label) override;
+    std::string selectedToolbarItem() const override;
     std::vector<std::string> viewNames() const override;
 
     bool isBlocked() const; // by a modal window or a sheet
@@ -183,6 +186,9 @@ public:
     bool updateScheduled = false;
     int modal = 0; // 0: not; else counts up with each
     WindowImplementation* sheetParent = nullptr;
+    std::vector<port::ToolbarItem> toolbar;
+    port::ToolbarClient* toolbarClient = nullptr;
+    std::optional<std::size_t> selectedToolbarItem_;
     View* root = nullptr;
     View* focused = nullptr;
     View* pressedButton = nullptr;
@@ -274,6 +280,7 @@ struct TextFieldPeer final : PeerOf<port::TextFieldPeer> {
 };
 
 constexpr double kButtonPaddingX = 32, kButtonPaddingY = 14;
+constexpr double kTitleBarHeight = 22, kToolbarHeight = 56;
 
 struct ButtonPeer final : PeerOf<port::ButtonPeer> {
     explicit ButtonPeer(port::Graphics& system) : graphics(system) {}
@@ -332,6 +339,20 @@ struct WindowPeer final : port::WindowPeer {
     }
     void scheduleUpdate() override { window->updateScheduled = true; }
     CGPoint contentOriginOnScreen() const override { return window->origin; }
+    CGPoint frameTopLeft() const override { return {window->origin.x, window->origin.y - topInset()}; }
+    void setFrameTopLeft(CGPoint topLeft) override {
+        window->origin = {topLeft.x, topLeft.y + topInset()};
+        window->client->peerMoved();
+    }
+    double topInset() const override {
+        return kTitleBarHeight + (window->toolbar.empty() ? 0 : kToolbarHeight);
+    }
+    void setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) override {
+        window->toolbar = items;
+        window->toolbarClient = client;
+        window->selectedToolbarItem_.reset();
+    }
+    void selectToolbarItem(std::optional<std::size_t> index) override { window->selectedToolbarItem_ = index; }
     double backingScale() const override { return window->system.options.scale; }
 
     std::unique_ptr<WindowImplementation> window;
@@ -504,6 +525,30 @@ bool WindowImplementation::closeByUser() {
     if (platform.has(this)) client->peerClosed();
     platform.display();
     return true;
+}
+
+std::vector<std::string> WindowImplementation::toolbarItems() const {
+    std::vector<std::string> labels;
+    for (const auto& item : toolbar)
+        labels.push_back(item.kind == port::ToolbarItem::Kind::button  ? item.label
+                         : item.kind == port::ToolbarItem::Kind::space ? "<space>"
+                                                                       : "<flexible space>");
+    return labels;
+}
+
+bool WindowImplementation::clickToolbarItem(std::string_view label) {
+    const auto found = std::ranges::find_if(toolbar, [&](const auto& item) {
+        return item.kind == port::ToolbarItem::Kind::button && item.label == label;
+    });
+    if (found == toolbar.end() || isBlocked()) return false;
+    auto& platform = system;
+    toolbarClient->peerClicked(static_cast<std::size_t>(found - toolbar.begin()));
+    platform.display();
+    return true;
+}
+
+std::string WindowImplementation::selectedToolbarItem() const {
+    return selectedToolbarItem_ ? toolbar.at(*selectedToolbarItem_).label : "";
 }
 
 void WindowImplementation::setKey(bool nowKey) {

@@ -38,9 +38,12 @@ public:
     void type(std::string_view text);
     bool keyUp(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
     virtual bool send(InputEvent eventInWindowCoordinates) = 0;
-    virtual void resizeByUser(CGSize contentSize) = 0;  // within the limits
-    virtual void moveByUser(CGPoint contentOrigin) = 0; // from the top left of the screen
-    virtual bool closeByUser() = 0;                     // false when it did not want to
+    virtual void resizeByUser(CGSize contentSize) = 0;         // within the limits
+    virtual void moveByUser(CGPoint contentOrigin) = 0;        // from the top left of the screen
+    virtual std::vector<std::string> toolbarItems() const = 0; // their labels
+    virtual bool clickToolbarItem(std::string_view label) = 0; // false where there is none that can be clicked
+    virtual std::string selectedToolbarItem() const = 0;       // its label; empty for none
+    virtual bool closeByUser() = 0;                            // false when it did not want to
     virtual void setKey(bool key) = 0;
     virtual void blockByModalDialog() = 0; // opened by somebody else
     // The real window is taken away, as when a host deletes it.

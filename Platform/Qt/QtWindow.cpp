@@ -1,3 +1,4 @@
+#include "QtCanvas.h"
 #include "QtDueWork.h"
 #include "QtWindow.h"
 
@@ -51,6 +52,63 @@ private:
     }
 };
 
+// Items with an icon above a label, one of which may be selected.
+class Toolbar final : public QToolBar {
+public:
+    Toolbar(QWidget* window, const std::vector<port::ToolbarItem>& items, port::ToolbarClient& client)
+        : QToolBar(window) {
+        setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+        setIconSize({32, 32});
+        setMovable(false);
+        setContextMenuPolicy(Qt::PreventContextMenu);
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            const auto& item = items[i];
+            actions_.push_back(nullptr);
+            if (item.kind != port::ToolbarItem::Kind::button) {
+                auto* const space = new QWidget(this);
+                space->setSizePolicy(item.kind == port::ToolbarItem::Kind::space ? QSizePolicy::Fixed
+                                                                                 : QSizePolicy::Expanding,
+                                     QSizePolicy::Preferred);
+                space->setMinimumWidth(iconSize().width());
+                addWidget(space);
+                continue;
+            }
+            actions_.back() = addAction(iconOf(item), QString::fromStdString(item.label));
+            actions_.back()->setCheckable(true);
+            QObject::connect(actions_.back(), &QAction::triggered, this, [this, i, &client] {
+                // What is selected is for the client to say.
+                select(selected_);
+                client.peerClicked(i);
+            });
+        }
+    }
+    void select(std::optional<std::size_t> index) {
+        selected_ = index;
+        for (std::size_t i = 0; i < actions_.size(); ++i)
+            if (actions_[i]) actions_[i]->setChecked(i == index);
+    }
+
+private:
+    QIcon iconOf(const port::ToolbarItem& item) const {
+        QIcon icon;
+        if (!item.image) return icon;
+        const auto appearance =
+            palette().color(QPalette::Window).lightness() < 128 ? Appearance::dark : Appearance::light;
+        for (const double scale : {1.0, 2.0}) {
+            const auto* const chosen = port::bestRepresentation(*item.image, scale, appearance);
+            const auto* const bitmap = chosen ? static_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
+            if (!bitmap) continue;
+            QPixmap pixmap = QPixmap::fromImage(bitmap->image());
+            pixmap.setDevicePixelRatio(bitmap->image().width() / item.imageSize.width);
+            icon.addPixmap(pixmap);
+        }
+        return icon;
+    }
+
+    std::vector<QAction*> actions_; // null for spaces
+    std::optional<std::size_t> selected_;
+};
+
 CGSize sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
 
 } // namespace
@@ -84,14 +142,20 @@ void WindowWidget::closeEvent(QCloseEvent* event) {
     if (client && client->peerShouldClose() && self && self->client) self->client->peerClosed();
 }
 
+void WindowWidget::placeContent() {
+    if (bar) bar->setGeometry(0, 0, width(), barHeight());
+    if (contentWidget) contentWidget->place({{0, double(barHeight())}, sizeOf(size() - QSize(0, barHeight()))});
+}
+
 void WindowWidget::resizeEvent(QResizeEvent*) {
-    if (contentWidget) contentWidget->place({{0, 0}, sizeOf(size())});
-    if (client) client->peerContentResized(sizeOf(size()));
+    placeContent();
+    if (client) client->peerContentResized(sizeOf(size() - QSize(0, barHeight())));
 }
 
 void WindowWidget::placeSheet() {
     if (!sheetParent) return;
-    const QPoint top = sheetParent->mapToGlobal(QPoint(0, 0));
+    const auto* const window = dynamic_cast<WindowWidget*>(sheetParent.data());
+    const QPoint top = sheetParent->mapToGlobal(QPoint(0, window ? window->barHeight() : 0));
     move(top + QPoint((sheetParent->width() - width()) / 2, 0));
 }
 
@@ -127,7 +191,7 @@ std::unique_ptr<port::ViewPeer> WindowPeer::makeContent(port::ViewClient& client
     auto* const content = new ViewWidget(widget_, widget_->link, client);
     widget_->contentWidget = content;
     widget_->link->content = content;
-    content->place({{0, 0}, sizeOf(widget_->size())});
+    widget_->placeContent();
     content->show();
     auto peer = std::make_unique<PlainPeer>(content);
     peer->link = widget_->link;
@@ -210,18 +274,23 @@ void WindowPeer::setTitle(const std::string& title) {
 CGSize WindowPeer::setContentSize(CGSize size) {
     const QPointer<WindowWidget> widget = widget_;
     if (!widget) return size;
+    const QSize whole = wholeSize(size) + QSize(0, widget->barHeight());
     if (resizable_)
-        widget->resize(wholeSize(size));
+        widget->resize(whole);
     else
-        widget->setFixedSize(wholeSize(size));
-    return widget ? sizeOf(widget->size()) : size;
+        widget->setFixedSize(whole);
+    return widget ? sizeOf(widget->size() - QSize(0, widget->barHeight())) : size;
 }
 
 void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
+    minimum_ = minimum;
+    maximum_ = maximum;
     const QPointer<WindowWidget> widget = widget_;
     if (!widget || !resizable_) return;
-    widget->setMinimumSize(wholeSize(minimum));
-    if (widget) widget->setMaximumSize(wholeSize(maximum));
+    const QSize bar(0, widget->barHeight());
+    widget->setMinimumSize(wholeSize(minimum) + bar);
+    if (widget)
+        widget->setMaximumSize((wholeSize(maximum) + bar).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
 }
 
 void WindowPeer::scheduleUpdate() {
@@ -230,8 +299,47 @@ void WindowPeer::scheduleUpdate() {
 
 CGPoint WindowPeer::contentOriginOnScreen() const {
     if (!widget_) return {};
-    const QPointF origin = widget_->mapToGlobal(QPointF(0, 0));
+    const QPointF origin = widget_->mapToGlobal(QPointF(0, widget_->barHeight()));
     return {origin.x(), origin.y()};
+}
+
+CGPoint WindowPeer::frameTopLeft() const {
+    if (!widget_) return {};
+    return {double(widget_->x()), double(widget_->y())};
+}
+
+void WindowPeer::setFrameTopLeft(CGPoint topLeft) {
+    if (widget_) widget_->move(qRound(topLeft.x), qRound(topLeft.y));
+}
+
+double WindowPeer::topInset() const {
+    if (!widget_) return 0;
+    return widget_->geometry().top() - widget_->frameGeometry().top() + widget_->barHeight();
+}
+
+void WindowPeer::setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) {
+    const QPointer<WindowWidget> widget = widget_;
+    if (!widget) return;
+    const CGSize content = sizeOf(widget->size() - QSize(0, widget->barHeight()));
+    if (widget->bar) {
+        widget->bar->hide();
+        widget->bar->deleteLater();
+    }
+    widget->bar = nullptr;
+    if (!items.empty()) {
+        auto* const bar = new Toolbar(widget, items, *client);
+        bar->resize(widget->width(), bar->sizeHint().height());
+        widget->bar = bar;
+        bar->show();
+    }
+    setContentLimits(minimum_, maximum_);
+    if (!widget) return;
+    setContentSize(content);
+    if (widget) widget->placeContent();
+}
+
+void WindowPeer::selectToolbarItem(std::optional<std::size_t> index) {
+    if (auto* const bar = widget_ ? dynamic_cast<Toolbar*>(widget_->bar) : nullptr) bar->select(index);
 }
 
 double WindowPeer::backingScale() const { return widget_ ? widget_->devicePixelRatioF() : 1; }

@@ -3,6 +3,7 @@
 #include "InputBlock.h"
 #include "QtViews.h"
 
+#include <QToolBar>
 #include <QWidget>
 
 #include <memory>
@@ -20,6 +21,9 @@ public:
     port::WindowClient* client; // null once the peer is gone
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
     void placeSheet(); // where it belongs over its parent
+    int barHeight() const { return bar ? bar->height() : 0; }
+    void placeContent();
+    QToolBar* bar = nullptr; // above the content
     QPointer<QWidget> sheetParent;
     std::unique_ptr<InputBlock> parentBlock;
     QPointer<ViewWidget> contentWidget;
@@ -57,6 +61,11 @@ public:
     void setContentLimits(CGSize minimum, CGSize maximum) override;
     void scheduleUpdate() override;
     CGPoint contentOriginOnScreen() const override;
+    CGPoint frameTopLeft() const override;
+    void setFrameTopLeft(CGPoint topLeft) override;
+    double topInset() const override;
+    void setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) override;
+    void selectToolbarItem(std::optional<std::size_t> index) override;
     double backingScale() const override;
 
     std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client) override;
@@ -65,6 +74,7 @@ public:
 private:
     QPointer<WindowWidget> widget_;
     QPointer<QWidget> behind_; // which was in front before this one was shown as modal
+    CGSize minimum_{}, maximum_{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}; // of the content
     bool resizable_;
 };
 

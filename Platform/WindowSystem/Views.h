@@ -4,9 +4,13 @@
 #include <Base/Event.h>
 #include <Base/Font.h>
 #include <Base/Geometry.h>
+#include <WindowSystem/Canvas.h>
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // The port is y-down: origins are at the top left, lengths in points. Everything happens on the main thread.
 // A peer is owned by its client and tells it when the window system took the real thing away (peerGone); after
@@ -103,6 +107,19 @@ public:
     virtual void setProgress(const Progress& progress) = 0;
 };
 
+struct ToolbarItem {
+    std::string label;
+    ImageRepresentations image; // null for none
+    CGSize imageSize;
+    enum class Kind { button, space, flexibleSpace } kind = Kind::button;
+};
+
+class ToolbarClient {
+public:
+    virtual ~ToolbarClient() = default;
+    virtual void peerClicked(std::size_t index) = 0; // the selection is not changed yet
+};
+
 class WindowClient {
 public:
     virtual ~WindowClient() = default;
@@ -144,7 +161,15 @@ public:
     virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;
     virtual void scheduleUpdate() = 0;                 // asks for one peerUpdate
     virtual CGPoint contentOriginOnScreen() const = 0; // from the top left of the primary screen
-    virtual double backingScale() const = 0;           // device pixels for a point
+    // Of the whole window, with title bar and toolbar; from the top left of the primary screen. Not every
+    // window system lets programs place windows, or tells where they are.
+    virtual CGPoint frameTopLeft() const = 0;
+    virtual void setFrameTopLeft(CGPoint topLeft) = 0;
+    virtual double topInset() const = 0; // from the frame's top to the content's, as far as it is known
+    // Above the content, which keeps its size; no items take it away. The client outlives it.
+    virtual void setToolbar(const std::vector<ToolbarItem>& items, ToolbarClient* client) = 0;
+    virtual void selectToolbarItem(std::optional<std::size_t> index) = 0;
+    virtual double backingScale() const = 0; // device pixels for a point
 };
 
 } // namespace zr::port

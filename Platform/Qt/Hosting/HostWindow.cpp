@@ -59,6 +59,15 @@ public:
     }
     void setContentLimits(CGSize, CGSize) override {} // are the host's
     void scheduleUpdate() override { host_.scheduleUpdate(); }
+    CGPoint frameTopLeft() const override {
+        return top_ ? CGPoint{double(top_->x()), double(top_->y())} : CGPoint{};
+    }
+    void setFrameTopLeft(CGPoint topLeft) override {
+        if (top_) top_->move(qRound(topLeft.x), qRound(topLeft.y));
+    }
+    double topInset() const override { return top_ ? top_->geometry().top() - top_->frameGeometry().top() : 0; }
+    void setToolbar(const std::vector<port::ToolbarItem>&, port::ToolbarClient*) override {} // is the host's
+    void selectToolbarItem(std::optional<std::size_t>) override {}
     CGPoint contentOriginOnScreen() const override {
         if (!top_) return {};
         const QPointF origin = top_->mapToGlobal(QPointF(0, 0));
