@@ -23,10 +23,31 @@ std::shared_ptr<HostState>& slot() {
     return *state;
 }
 
-fs::path defaultMainBundle() {
+fs::path executable() {
     std::error_code error;
-    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
-    return executable.parent_path().parent_path() / "share" / executable.filename();
+    return fs::read_symlink("/proc/self/exe", error);
+}
+
+fs::path defaultMainBundle() {
+    const fs::path program = executable();
+    return program.parent_path().parent_path() / "share" / program.filename();
+}
+
+fs::path environmentPath(const char* name) {
+    const char* value = std::getenv(name);
+    return value && *value == '/' ? value : ""; // others do not count
+}
+
+fs::path defaultUserDefaults() {
+    fs::path folder = environmentPath("XDG_CONFIG_HOME");
+    if (folder.empty()) {
+        folder = environmentPath("HOME");
+        if (folder.empty()) return {};
+        folder /= ".config";
+    }
+    fs::path file = folder / executable().filename();
+    file += ".plist";
+    return file;
 }
 
 // The kit's resources lie at a fixed place relative to its library.
@@ -75,7 +96,29 @@ std::vector<std::string> environmentLanguages() {
     return languages;
 }
 
+// Not left to the last reference: a background thread may hold that until the process is gone.
+void writeUserDefaults(HostState* state) {
+    if (!state) return;
+    std::shared_ptr<NSUserDefaults> defaults;
+    {
+        const std::lock_guard guard(state->lock);
+        defaults = state->userDefaults;
+    }
+    if (defaults) defaults->writeChanges();
+}
+
+void writeUserDefaultsAtExit() {
+    std::shared_ptr<HostState> state;
+    {
+        const std::lock_guard guard(lock());
+        state = slot();
+    }
+    writeUserDefaults(state.get());
+}
+
 std::shared_ptr<HostState> makeState(Host host) {
+    static const int registered = std::atexit(&writeUserDefaultsAtExit);
+    static_cast<void>(registered);
     auto state = std::make_shared<HostState>();
     state->queues = std::move(host.queues);
     state->mainBundle =
@@ -83,7 +126,17 @@ std::shared_ptr<HostState> makeState(Host host) {
     state->kitBundle = make<NSBundle>(&NSBundle::initWithPath, kitBundlePath());
     state->preferredLanguages = host.preferredLanguages ? *host.preferredLanguages : environmentLanguages();
     state->notificationCenter = make<NSNotificationCenter>();
+    state->userDefaultsFile = host.userDefaults ? *host.userDefaults : defaultUserDefaults();
     return state;
+}
+
+void replace(std::shared_ptr<HostState> state) {
+    {
+        const std::lock_guard guard(lock());
+        slot().swap(state);
+    }
+    // What was there before goes after the lock: dropped blocks may ask for the host.
+    writeUserDefaults(state.get());
 }
 
 } // namespace
@@ -95,16 +148,8 @@ std::shared_ptr<HostState> current() {
     return state;
 }
 
-void install(Host host) {
-    auto state = makeState(std::move(host));
-    const std::lock_guard guard(lock());
-    slot().swap(state);
-}
+void install(Host host) { replace(makeState(std::move(host))); }
 
-void uninstall() {
-    std::shared_ptr<HostState> state; // goes after the lock: dropped blocks may ask for the host
-    const std::lock_guard guard(lock());
-    slot().swap(state);
-}
+void uninstall() { replace(nullptr); }
 
 } // namespace zr::backend

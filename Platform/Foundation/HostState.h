@@ -2,9 +2,12 @@
 
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/NSUserDefaults.h>
 #include <FoundationBackends/Host.h>
 
+#include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -17,6 +20,9 @@ struct HostState {
     std::shared_ptr<NSBundle> kitBundle;
     std::vector<std::string> preferredLanguages;
     std::shared_ptr<NSNotificationCenter> notificationCenter;
+    std::filesystem::path userDefaultsFile; // empty: none
+    std::mutex lock;
+    std::shared_ptr<NSUserDefaults> userDefaults; // made when it is first asked for; guarded by lock
 };
 
 // What is installed, or a state without queues made of the environment alone.

@@ -59,6 +59,10 @@ float floatValue(std::string_view text);
 std::int32_t intValue(std::string_view text);
 std::int64_t integerValue(std::string_view text);
 
+// A path without its last part. Slashes count once, and not at the end; of "/" and of nothing the same is left,
+// of a name alone nothing. Every other character is a part of a name.
+std::string stringByDeletingLastPathComponent(std::string_view path);
+
 // Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%.
 // Length letters (l, ll, q, z, h) are skipped: arguments know their size. A conversion without an argument
 // stays as it is written. Numbers are never localised.

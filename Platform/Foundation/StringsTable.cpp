@@ -1,4 +1,5 @@
 #include "StringsTable.h"
+#include "Unicode.h"
 
 #include <array>
 #include <cstdint>
@@ -15,42 +16,9 @@ struct SyntaxError {
     std::size_t at;
 };
 
-void appendUnits(std::u16string& out, char32_t character) {
-    if (character < 0x10000) {
-        out += static_cast<char16_t>(character);
-        return;
-    }
-    character -= 0x10000;
-    out += static_cast<char16_t>(0xD800 + (character >> 10));
-    out += static_cast<char16_t>(0xDC00 + (character & 0x3FF));
-}
-
-bool isSurrogate(char32_t character) { return character >= 0xD800 && character <= 0xDFFF; }
-
 // Each of these leaves what comes before a mistake in `out`, so that the mistake's line can be told.
 void unitsFromUtf8(std::string_view bytes, std::u16string& out) {
-    out.reserve(bytes.size());
-    for (std::size_t at = 0; at < bytes.size();) {
-        const auto lead = static_cast<unsigned char>(bytes[at]);
-        const std::size_t length = lead < 0x80   ? 1
-                                   : lead < 0xC2 ? 0
-                                   : lead < 0xE0 ? 2
-                                   : lead < 0xF0 ? 3
-                                   : lead < 0xF5 ? 4
-                                                 : 0;
-        if (length == 0 || at + length > bytes.size()) throw SyntaxError{"not UTF-8", out.size()};
-        char32_t character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
-        for (std::size_t i = 1; i < length; ++i) {
-            const auto next = static_cast<unsigned char>(bytes[at + i]);
-            if ((next & 0xC0) != 0x80) throw SyntaxError{"not UTF-8", out.size()};
-            character = (character << 6) | (next & 0x3Fu);
-        }
-        constexpr std::array<char32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
-        if (character < smallest[length] || character > 0x10FFFF || isSurrogate(character))
-            throw SyntaxError{"not UTF-8", out.size()};
-        appendUnits(out, character);
-        at += length;
-    }
+    if (!appendUtf16(bytes, out)) throw SyntaxError{"not UTF-8", out.size()};
 }
 
 // Units of `width` bytes each.

@@ -763,7 +763,8 @@ void System::display() {
 Platform::Platform(Options options) : system_(std::make_unique<System>(std::move(options))) {
     backend::install({.queues = system_->queues,
                       .mainBundle = system_->options.mainBundle,
-                      .preferredLanguages = system_->options.preferredLanguages});
+                      .preferredLanguages = system_->options.preferredLanguages,
+                      .userDefaults = system_->options.userDefaults});
     system_->application = &port::install(*system_);
 }
 

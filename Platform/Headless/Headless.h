@@ -69,6 +69,7 @@ struct Options {
     Appearance appearance = Appearance::light;
     std::vector<std::string> preferredLanguages = {"en"};
     std::filesystem::path mainBundle = "/nonexistent";
+    std::filesystem::path userDefaults{}; // file of the user defaults; empty: none, they are kept in memory
     bool workerThread =
         false; // background blocks run on a thread of their own, instead of waiting to be stepped
 };

@@ -17,7 +17,8 @@ struct Platform::Parts {
 Platform::Platform(Options options) : parts_(std::make_unique<Parts>()) {
     backend::install({.queues = parts_->queues,
                       .mainBundle = std::move(options.mainBundle),
-                      .preferredLanguages = std::move(options.preferredLanguages)});
+                      .preferredLanguages = std::move(options.preferredLanguages),
+                      .userDefaults = std::move(options.userDefaults)});
     parts_->system.setClient(&port::install(parts_->system));
 }
 

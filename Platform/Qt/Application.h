@@ -14,6 +14,9 @@ struct Options {
     std::optional<std::filesystem::path> mainBundle;
     // Languages the user prefers, best first; by default those of the environment.
     std::optional<std::vector<std::string>> preferredLanguages;
+    // File of the user defaults; by default NAME.plist in the user's configuration folder. Empty: none, they
+    // are kept in memory.
+    std::optional<std::filesystem::path> userDefaults{};
 };
 
 // Makes Qt the window system of the kit while it lives. For programs that have a QApplication of their own,

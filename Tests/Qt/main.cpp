@@ -1,3 +1,5 @@
+#include "Support/TemporaryFolder.h"
+
 #include <QApplication>
 #include <gtest/gtest.h>
 
@@ -14,6 +16,9 @@ int main(int argc, char** argv) {
     qputenv("QT_SCALE_FACTOR", ratio);
     qputenv("LC_ALL", "C.UTF-8");
     QApplication::setStyle("fusion");
+    // What a test remembers is not the user's.
+    const zr::test::TemporaryFolder configuration;
+    qputenv("XDG_CONFIG_HOME", configuration.path().c_str());
     QApplication application(argc, argv);
     if (application.devicePixelRatio() != ratio.toDouble()) {
         std::fprintf(stderr, "The ratio is %g instead of %s.\n", application.devicePixelRatio(),

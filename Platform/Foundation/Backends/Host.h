@@ -30,6 +30,9 @@ struct Host {
     std::optional<std::filesystem::path> mainBundle;
     // Languages the user prefers, best first, as "zh-Hans-CN"; by default those of the environment.
     std::optional<std::vector<std::string>> preferredLanguages;
+    // File of the user defaults; by default NAME.plist in the user's configuration folder. Empty: none, they
+    // are kept in memory.
+    std::optional<std::filesystem::path> userDefaults{};
 };
 
 void install(Host host);

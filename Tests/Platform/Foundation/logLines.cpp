@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <ctime>
 #include <map>
 #include <thread>
@@ -61,7 +62,8 @@ std::string prefix() {
 }
 
 std::string clockNow() {
-    const std::time_t now = std::time(nullptr);
+    // The clock that NSLog reads: the C library's lags behind it by some milliseconds.
+    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     std::tm local{};
     localtime_r(&now, &local);
     std::array<char, 40> text{};
