@@ -15,7 +15,9 @@
 #include <AppKit/NSWindow.h>
 #include <AppKit/NSWindowController.h>
 #include <Foundation/NSBundle.h>
+#include <Foundation/NSNull.h>
 #include <ZRUIKit/BaseSliderView.h>
+#include <ZRUIKit/MASPreferencesWindowController.h>
 #include <ZRUIKit/ProgressSliderView.h>
 #include <ZRUIKit/SWTimeEditView.h>
 #include <ZRUIKit/SliderSelectionItem.h>
@@ -31,6 +33,7 @@ std::span<const ClassTable* const> kitClassTables() {
     static const std::array tables = {
         &NSObject::classTable(),
         &NSBundle::classTable(),
+        &NSNull::classTable(),
         &NSResponder::classTable(),
         &NSAlert::classTable(),
         &NSApplication::classTable(),
@@ -51,6 +54,7 @@ std::span<const ClassTable* const> kitClassTables() {
         &ZRAlertAction::classTable(),
         &ZRAlert::classTable(),
         &ZRLoadingWndCtl::classTable(),
+        &MASPreferencesWindowController::classTable(),
         &NSProgressIndicator::classTable(),
         &NSImageView::classTable(),
         &NSMenu::classTable(),

@@ -86,7 +86,8 @@ void quitOnSignals(const std::shared_ptr<Quitter>& quitter) {
 
 std::shared_ptr<zr::NSMenu> mainMenu() {
     using zr::AppLocalizedString;
-    const auto menu = zr::make<zr::NSMenu>(), file = zr::make<zr::NSMenu>();
+    auto menu = zr::make<zr::NSMenu>();
+    const auto file = zr::make<zr::NSMenu>();
     menu->addItemWithTitle_action_keyEquivalent(AppLocalizedString("File"), "", "")->setSubmenu(file);
     file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Close"), "performClose:", "w");
     file->addItem(zr::NSMenuItem::separatorItem());

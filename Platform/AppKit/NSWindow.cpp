@@ -169,7 +169,7 @@ void NSWindow::contentResized(const NSSize& size) {
     update();
     didResize();
     // The upper edge stays.
-    if (frame().origin.y != bottom) didMove();
+    if (peer_ && frame().origin.y != bottom) didMove();
 }
 
 void NSWindow::didResize() {
@@ -209,24 +209,18 @@ void NSWindow::placePeer() {
 
 void NSWindow::setFrame_display_animate(const NSRect& frame, bool, bool) {
     const auto held = retained(this);
-    const NSRect before = this->frame();
     topLeft_ = {frame.origin.x, NSMaxY(frame)};
     placed_ = true;
     placePeer();
     const NSSize size = {frame.size.width, std::max(0.0, frame.size.height - topInset())};
-    // A resize that keeps the upper edge tells of the move by itself.
-    const bool moved = topLeft_ != NSPoint{before.origin.x, NSMaxY(before)};
-    if (moved && !peer_) didMove();
     contentResized(peer_ ? peer_->setContentSize(size) : size);
 }
 
 void NSWindow::setFrameTopLeftPoint(const NSPoint& point) {
     const auto held = retained(this);
-    const bool moved = point != topLeft_;
     topLeft_ = point;
     placed_ = true;
     placePeer();
-    if (moved && !peer_) didMove();
 }
 
 void NSWindow::setToolbar(const std::shared_ptr<NSToolbar>& toolbar) {
@@ -419,12 +413,9 @@ void NSWindow::recalculateKeyViewLoop() {
     };
     std::vector<Place> places;
     const auto collect = [&](const auto& self, NSView& view) -> void {
-        view.setNextKeyView(nullptr);
-        if (view.acceptsFirstResponder()) {
-            const NSRect frame = view.convertRect_toView(view.bounds(), nullptr);
-            places.push_back(
-                {std::static_pointer_cast<NSView>(view.shared_from_this()), {frame.origin.x, NSMaxY(frame)}});
-        }
+        const NSRect frame = view.convertRect_toView(view.bounds(), nullptr);
+        places.push_back(
+            {std::static_pointer_cast<NSView>(view.shared_from_this()), {frame.origin.x, NSMaxY(frame)}});
         for (const auto& subview : view.subviews()) self(self, *subview);
     };
     collect(collect, *contentView_);

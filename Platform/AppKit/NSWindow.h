@@ -77,7 +77,8 @@ public:
     // The frame of a window like this one with such a content: as much higher.
     NSRect frameRectForContentRect(const NSRect& content) const;
     // Not held to the limits of the content's size by itself; window systems may. `display` has no effect;
-    // nothing is animated. Tells the delegate, and posts, what it changed.
+    // nothing is animated. Tells the delegate, and posts, what it changed; of moves only
+    // while there is a real window that moves.
     void setFrame_display_animate(const NSRect& frame, bool display, bool animate);
     // Some window systems place windows as they like.
     void setFrameTopLeftPoint(const NSPoint& point);
@@ -123,7 +124,7 @@ public:
     void selectKeyViewFollowingView(NSView* view) { selectKeyView(view, false); }
     void selectKeyViewPrecedingView(NSView* view) { selectKeyView(view, true); }
 
-    // Links the views that take the keyboard anew: by their place, from left to right and then downwards.
+    // Links all views anew, by their place: from left to right and then downwards, the content first.
     void recalculateKeyViewLoop();
 
     void sendEvent(const NSEvent& event);

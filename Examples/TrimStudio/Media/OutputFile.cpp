@@ -16,7 +16,7 @@ namespace trimstudio {
 namespace {
 
 constexpr int bufferSize = 256 * 1024;
-constexpr int64_t writtenAtOnce = 16 * 1024 * 1024;
+constexpr int64_t writtenAtOnce = int64_t{16} << 20;
 
 std::filesystem::path folderOf(const std::filesystem::path& path) {
     return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");

@@ -62,10 +62,9 @@ TEST_F(WindowFrames, CanBeSetBeforeTheWindowIsShown) {
     made->setFrame_display_animate(NSMakeRect(300, 400, 250, 122), true, false);
     EXPECT_EQ(made->frame(), NSMakeRect(300, 400, 250, 122));
     EXPECT_EQ(made->contentSize(), NSMakeSize(250, 100));
-    EXPECT_THAT(hears->taken(), ElementsAre("moved", kMoved, "resized", kResized));
+    EXPECT_THAT(hears->taken(), ElementsAre("resized", kResized)) << "nothing that is on the screen has moved";
     made->setFrameTopLeftPoint({320, 700});
     EXPECT_EQ(made->frame(), NSMakeRect(320, 578, 250, 122));
-    EXPECT_THAT(hears->taken(), ElementsAre("moved", kMoved));
     made->setFrame_display_animate(NSMakeRect(320, 578, 250, 122), true, true);
     made->setFrameTopLeftPoint({320, 700});
     EXPECT_THAT(hears->taken(), IsEmpty()) << "nothing has changed";
@@ -124,9 +123,16 @@ TEST_F(WindowFrames, TheKeyViewLoopFollowsThePlaces) {
     show(root);
     window_->recalculateKeyViewLoop();
     EXPECT_EQ(fields[2]->nextKeyView(), fields[0].get());
-    EXPECT_EQ(fields[0]->nextKeyView(), fields[1].get());
-    EXPECT_EQ(fields[1]->nextKeyView(), fields[2].get());
-    EXPECT_EQ(fields[3]->nextKeyView(), nullptr);
+    EXPECT_EQ(fields[0]->nextKeyView(), fields[3].get());
+    EXPECT_EQ(fields[3]->nextKeyView(), fields[1].get());
+    EXPECT_EQ(fields[1]->nextKeyView(), root.get());
+    EXPECT_EQ(root->nextKeyView(), fields[2].get());
+    // Over the one that cannot take the keyboard.
+    window_->makeFirstResponder(fields[0].get());
+    window_->selectKeyViewFollowingView(fields[0].get());
+    EXPECT_EQ(window_->firstResponder(), fields[1].get());
+    window_->selectKeyViewFollowingView(root.get());
+    EXPECT_EQ(window_->firstResponder(), fields[2].get());
 }
 
 namespace {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <Foundation/NSObject.h>
+
+namespace zr {
+
+// Stands for nothing in lists that hold objects. There is one of it.
+class NSNull : public NSObject {
+public:
+    ZR_CLASS(NSNull, NSObject)
+    static const std::shared_ptr<NSObject>& null();
+};
+
+} // namespace zr
