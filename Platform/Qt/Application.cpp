@@ -7,6 +7,9 @@
 
 #include <QApplication>
 
+#include <optional>
+#include <utility>
+
 namespace zr::qt {
 
 struct Platform::Parts {
@@ -33,11 +36,18 @@ Platform::~Platform() {
 }
 
 struct Application::Parts {
-    Parts(int& argc, char** argv, Options options) : qt(argc, argv), platform(std::move(options)) {
+    Parts(int& argc, char** argv, Options options)
+        : qt(std::make_unique<QApplication>(argc, argv)), platform(std::in_place, std::move(options)) {
         QApplication::setQuitOnLastWindowClosed(false); // the application object decides
     }
-    QApplication qt;
-    Platform platform;
+    // The Wayland client of Qt 6.4 now and then waits for ever for one of its own threads when it is destroyed:
+    // there the end of the process ends it.
+    ~Parts() {
+        platform.reset();
+        if (QGuiApplication::platformName().startsWith("wayland")) static_cast<void>(qt.release());
+    }
+    std::unique_ptr<QApplication> qt;
+    std::optional<Platform> platform;
 };
 
 Application::Application(int& argc, char** argv, Options options)
