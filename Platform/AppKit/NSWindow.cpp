@@ -209,9 +209,13 @@ void NSWindow::placePeer() {
 
 void NSWindow::setFrame_display_animate(const NSRect& frame, bool, bool) {
     const auto held = retained(this);
-    topLeft_ = {frame.origin.x, NSMaxY(frame)};
+    const NSPoint topLeft = {frame.origin.x, NSMaxY(frame)};
     placed_ = true;
-    placePeer();
+    // Window systems are off by their borders now and then: what stays is left alone.
+    if (topLeft != topLeft_) {
+        topLeft_ = topLeft;
+        placePeer();
+    }
     const NSSize size = {frame.size.width, std::max(0.0, frame.size.height - topInset())};
     contentResized(peer_ ? peer_->setContentSize(size) : size);
 }

@@ -275,22 +275,31 @@ CGSize WindowPeer::setContentSize(CGSize size) {
     const QPointer<WindowWidget> widget = widget_;
     if (!widget) return size;
     const QSize whole = wholeSize(size) + QSize(0, widget->barHeight());
-    if (resizable_)
-        widget->resize(whole);
-    else
+    if (resizable_) {
+        const QSize now = widget->size();
+        limit(now.boundedTo(whole), now.expandedTo(whole));
+        if (widget) widget->resize(whole);
+        if (!widget || !widget->link->client) return size; // nor is this peer there any more
+        limit(whole, whole);
+    } else {
         widget->setFixedSize(whole);
+    }
     return widget ? sizeOf(widget->size() - QSize(0, widget->barHeight())) : size;
 }
 
 void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
     minimum_ = minimum;
     maximum_ = maximum;
+    if (widget_) limit(widget_->size(), widget_->size());
+}
+
+// Qt would resize the window, now or later, to what it is limited to: limits are for the user alone.
+void WindowPeer::limit(QSize smallest, QSize largest) {
     const QPointer<WindowWidget> widget = widget_;
     if (!widget || !resizable_) return;
-    const QSize bar(0, widget->barHeight());
-    widget->setMinimumSize(wholeSize(minimum) + bar);
-    if (widget)
-        widget->setMaximumSize((wholeSize(maximum) + bar).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
+    const QSize bar(0, widget->barHeight()), unlimited(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    widget->setMinimumSize((wholeSize(minimum_) + bar).boundedTo(smallest));
+    if (widget) widget->setMaximumSize((wholeSize(maximum_) + bar).boundedTo(unlimited).expandedTo(largest));
 }
 
 void WindowPeer::scheduleUpdate() {

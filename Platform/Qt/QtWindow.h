@@ -72,6 +72,8 @@ public:
     QWidget* topLevel() const override { return widget_; }
 
 private:
+    void limit(QSize smallest, QSize largest); // as wanted, but so that these sizes are allowed
+
     QPointer<WindowWidget> widget_;
     QPointer<QWidget> behind_; // which was in front before this one was shown as modal
     CGSize minimum_{}, maximum_{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}; // of the content

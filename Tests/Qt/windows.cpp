@@ -68,13 +68,27 @@ TEST_F(QtWindows, TheWindowKnowsTheSizeItReallyGot) {
     EXPECT_EQ(topLevel()->size(), QSize(150, 90));
 }
 
+TEST_F(QtWindows, LimitsAloneResizeNothingAndProgramsAreNotHeldToThem) {
+    const NSSize before = window_->contentSize();
+    window_->setContentMinSize({500, 400});
+    settle();
+    EXPECT_EQ(window_->contentSize(), before);
+    EXPECT_EQ(topLevel()->size(), QSize(int(before.width), int(before.height)));
+    window_->setFrame_display_animate(window_->frameRectForContentRect(NSMakeRect(0, 0, 90, 80)), true, false);
+    settle();
+    EXPECT_EQ(topLevel()->size(), QSize(90, 80));
+    window_->setContentSize({600, 450});
+    settle();
+    EXPECT_EQ(topLevel()->minimumSize(), QSize(500, 400)) << "the user is held to them";
+}
+
 TEST_F(QtWindows, TheWindowMayCloseInItsOwnResizing) {
     struct Closer : NSWindowDelegate {
         void windowDidResize(NSWindow& window) override { window.close(); }
     };
     const auto closer = std::make_shared<Closer>();
     window_->setDelegate(closer);
-    window_->setContentMinSize({500, 400});
+    window_->setContentSize({500, 400});
     settle();
     EXPECT_FALSE(window_->isVisible());
     EXPECT_FALSE(topLevel());
