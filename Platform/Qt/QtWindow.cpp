@@ -88,6 +88,15 @@ public:
             if (actions_[i]) actions_[i]->setChecked(i == index);
     }
 
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QToolBar::paintEvent(event);
+        constexpr float kStrength = 0.2F;
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlphaF(kStrength);
+        QPainter(this).fillRect(0, height() - 1, width(), 1, line);
+    }
+
 private:
     QIcon iconOf(const port::ToolbarItem& item) const {
         QIcon icon;

@@ -28,6 +28,13 @@ CONTRACTS = {
                  ("ZRLoadingWndCtl", "btnCancel", "NSButton")},
         actions={("NSButton", "cancelDown:", "ZRLoadingWndCtl")},
         attributes=set()),
+    "MASPreferencesWindow.xib": Contract(
+        owner="MASPreferencesWindowController",
+        outlets={("MASPreferencesWindowController", "window", "NSWindow"),
+                 ("NSWindow", "delegate", "MASPreferencesWindowController"),
+                 ("NSToolbar", "delegate", "MASPreferencesWindowController")},
+        actions=set(),
+        attributes=set()),
 }
 
 

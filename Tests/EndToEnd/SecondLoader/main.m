@@ -20,6 +20,15 @@
 - (void) cancelDown: (id)sender {}
 @end
 
+@interface MASPreferencesWindowController : NSObject
+{
+  NSWindow *window;
+}
+@end
+
+@implementation MASPreferencesWindowController
+@end
+
 static NSMutableArray *objects;    // the owner first
 static NSMutableArray *attributes; // user-defined ones, in the order of the file
 
