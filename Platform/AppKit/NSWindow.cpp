@@ -162,14 +162,11 @@ void NSWindow::setContentMaxSize(const NSSize& size) {
 
 void NSWindow::contentResized(const NSSize& size) {
     if (size == contentSize_) return;
-    const double bottom = frame().origin.y;
     contentSize_ = size;
     const auto content = contentView_;
     content->setFrame({NSZeroPoint, size});
     update();
     didResize();
-    // The upper edge stays.
-    if (peer_ && frame().origin.y != bottom) didMove();
 }
 
 void NSWindow::didResize() {
@@ -209,22 +206,19 @@ void NSWindow::placePeer() {
 
 void NSWindow::setFrame_display_animate(const NSRect& frame, bool, bool) {
     const auto held = retained(this);
-    const NSPoint topLeft = {frame.origin.x, NSMaxY(frame)};
-    placed_ = true;
-    // Window systems are off by their borders now and then: what stays is left alone.
-    if (topLeft != topLeft_) {
-        topLeft_ = topLeft;
-        placePeer();
-    }
+    setFrameTopLeftPoint({frame.origin.x, NSMaxY(frame)});
     const NSSize size = {frame.size.width, std::max(0.0, frame.size.height - topInset())};
     contentResized(peer_ ? peer_->setContentSize(size) : size);
 }
 
 void NSWindow::setFrameTopLeftPoint(const NSPoint& point) {
     const auto held = retained(this);
-    topLeft_ = point;
     placed_ = true;
+    // Window systems are off by their borders now and then: what stays is left alone.
+    if (point == topLeft_) return;
+    topLeft_ = point;
     placePeer();
+    if (!peer_) didMove();
 }
 
 void NSWindow::setToolbar(const std::shared_ptr<NSToolbar>& toolbar) {

@@ -77,8 +77,8 @@ public:
     // The frame of a window like this one with such a content: as much higher.
     NSRect frameRectForContentRect(const NSRect& content) const;
     // Not held to the limits of the content's size by itself; window systems may. `display` has no effect;
-    // nothing is animated. Tells the delegate, and posts, what it changed; of moves only
-    // while there is a real window that moves.
+    // nothing is animated. Tells the delegate, and posts, what it changed: a resize whenever the content's size
+    // is another, a move when the upper left corner is.
     void setFrame_display_animate(const NSRect& frame, bool display, bool animate);
     // Some window systems place windows as they like.
     void setFrameTopLeftPoint(const NSPoint& point);
