@@ -6,8 +6,10 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 from desktop import DEADLINE, Desktop, TrimStudio
+from trimming import background_work_held
 
 RECORDING = "/usr/share/sounds/freedesktop/stereo/alarm-clock-elapsed.oga"
 program, folder = sys.argv[1:]
@@ -41,6 +43,13 @@ with tempfile.TemporaryDirectory(prefix="zruikit-pictures-") as media:
         with Desktop() as desktop:
             studio = prepared(desktop, file, "--appearance", appearance)
             take(desktop, studio.last["views"]["window"]["rect"], f"trimstudio-{appearance}.png")
+            if appearance == "light":
+                with background_work_held(studio.process):
+                    studio.click("saveButton")
+                    studio.wait("the sheet", lambda d: d["sheet"])
+                    desktop.move(1, 1)
+                    time.sleep(1)  # until it is painted, too
+                    take(desktop, studio.last["views"]["window"]["rect"], "trimstudio-saving.png")
     with Desktop(1800, 900) as desktop:
         studio = prepared(desktop, file, "--appearance", "light", environment={"QT_SCALE_FACTOR": "2"})
         take(desktop, studio.last["views"]["splitSlider"]["rect"], "split-slider.png")
