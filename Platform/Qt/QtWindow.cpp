@@ -336,7 +336,7 @@ double WindowPeer::topInset() const {
 }
 
 void WindowPeer::setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) {
-    const QPointer<WindowWidget> widget = widget_;
+    WindowWidget* const widget = widget_.data();
     if (!widget) return;
     const CGSize content = sizeOf(widget->size() - QSize(0, widget->barHeight()));
     if (widget->bar) {
@@ -351,9 +351,8 @@ void WindowPeer::setToolbar(const std::vector<port::ToolbarItem>& items, port::T
         bar->show();
     }
     setContentLimits(minimum_, maximum_);
-    if (!widget) return;
-    setContentSize(content);
-    if (widget) widget->placeContent();
+    widget->placeContent();
+    setContentSize(content); // reaches the client, which may let go of this peer
 }
 
 void WindowPeer::selectToolbarItem(std::optional<std::size_t> index) {

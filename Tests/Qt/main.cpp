@@ -4,9 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <exception>
 
 // --ratio=R: device pixels per point, 1 if it is not said.
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     testing::InitGoogleTest(&argc, argv);
     QByteArray ratio = "1";
     for (int i = 1; i < argc; ++i)
@@ -26,4 +27,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     return RUN_ALL_TESTS();
+} catch (const std::exception& problem) {
+    std::fprintf(stderr, "%s\n", problem.what());
+    return 1;
 }
