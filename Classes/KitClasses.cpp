@@ -8,6 +8,10 @@
 #include <AppKit/NSNib.h>
 #include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSResponder.h>
+#include <AppKit/NSScrollView.h>
+#include <AppKit/NSTableColumn.h>
+#include <AppKit/NSTableHeaderView.h>
+#include <AppKit/NSTableView.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
@@ -61,6 +65,11 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSMenuItem::classTable(),
         &NSToolbar::classTable(),
         &NSToolbarItem::classTable(),
+        &NSClipView::classTable(),
+        &NSScrollView::classTable(),
+        &NSTableColumn::classTable(),
+        &NSTableHeaderView::classTable(),
+        &NSTableView::classTable(),
     };
     return tables;
 }

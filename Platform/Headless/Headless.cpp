@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <deque>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -79,6 +80,14 @@ public:
     bool isDefault = false;
     port::Progress progress;
     bool scrolls = false;
+    // Of tables and their headers.
+    port::TableClient* table = nullptr;
+    port::TableHeaderClient* header = nullptr;
+    std::vector<port::TableColumn> columns;
+    std::size_t rowCount = 0;
+    std::set<std::size_t> selectedRows;
+    CGPoint offset; // as far as it is scrolled
+    void scrollTo(CGPoint wanted);
 };
 
 class System final : public port::WindowSystem {
@@ -101,6 +110,10 @@ public:
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
                                                  port::ButtonClient& button) override;
+    std::unique_ptr<port::TablePeer> makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                               port::TableClient& table) override;
+    std::unique_ptr<port::TableHeaderPeer> makeTableHeader(port::ViewPeer& parent, port::ViewClient& client,
+                                                           port::TableHeaderClient& header) override;
     Appearance appearance() const override { return ownAppearance.value_or(options.appearance); }
     void setAppearance(std::optional<Appearance> appearance) override;
     std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override {
@@ -159,6 +172,15 @@ public:
         const auto& progress = named(viewName).progress;
         return progress.indeterminate ? -1 : progress.fraction;
     }
+    std::vector<std::vector<std::string>> visibleRows(std::string_view viewName) const override;
+    std::vector<std::size_t> selectedRows(std::string_view viewName) const override {
+        const auto& rows = named(viewName).selectedRows;
+        return {rows.begin(), rows.end()};
+    }
+    bool clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags) override;
+    std::vector<std::string> columnTitles(std::string_view viewName) const override;
+    std::vector<double> columnWidths(std::string_view viewName) const override;
+    void resizeColumn(std::string_view viewName, std::size_t column, double width) override;
     bool isSheet() const override { return sheetParent != nullptr; }
     std::vector<std::string> toolbarItems() const override;
     bool clickToolbarItem(std::string_view label) override;
@@ -265,6 +287,36 @@ struct ProgressPeer final : PeerOf<port::ProgressPeer> {
     }
 };
 
+constexpr double kRowHeight = 19;
+
+struct TablePeer final : PeerOf<port::TablePeer> {
+    void setFrame(const CGRect& frame) override {
+        PeerOf::setFrame(frame);
+        view->scrollTo(view->offset);
+    }
+    void setColumns(const std::vector<port::TableColumn>& columns) override { view->columns = columns; }
+    void reload(std::size_t rowCount) override {
+        view->rowCount = rowCount;
+        std::erase_if(view->selectedRows, [&](std::size_t row) { return row >= rowCount; });
+        view->scrollTo(view->offset);
+    }
+    void setSelection(const std::set<std::size_t>& rows) override { view->selectedRows = rows; }
+    void setEnabled(bool enabled) override { view->enabled = enabled; }
+    void scrollToRow(std::size_t row) override {
+        const double top = static_cast<double>(row) * kRowHeight, height = view->frame.size.height;
+        CGPoint offset = view->offset;
+        if (top + kRowHeight > offset.y + height) offset.y = top + kRowHeight - height;
+        if (top < offset.y) offset.y = top;
+        view->scrollTo(offset);
+    }
+    double rowHeight() const override { return kRowHeight; }
+};
+
+struct TableHeaderPeer final : PeerOf<port::TableHeaderPeer> {
+    void setColumns(const std::vector<port::TableColumn>& columns) override { view->columns = columns; }
+    void setOffset(double x) override { view->offset.x = x; }
+};
+
 struct TextFieldPeer final : PeerOf<port::TextFieldPeer> {
     void setText(const std::string& text) override { view->text = text; }
     void setLook(const port::TextFieldLook& look) override {
@@ -369,6 +421,16 @@ std::unique_ptr<Peer> attach(std::unique_ptr<Peer> peer, port::ViewPeer& parent,
 
 } // namespace
 
+// As far as there is anything to see.
+void View::scrollTo(CGPoint wanted) {
+    double width = 0;
+    for (const auto& column : columns) width += column.width;
+    const double right = width - frame.size.width;
+    const double bottom = static_cast<double>(rowCount) * kRowHeight - frame.size.height;
+    offset = {std::max(0.0, std::min(wanted.x, right)), std::max(0.0, std::min(wanted.y, bottom))};
+    table->peerScrolled({offset, frame.size});
+}
+
 // Window
 
 bool Window::mouseDown(CGPoint point, std::uint32_t modifierFlags, int clickCount) {
@@ -443,6 +505,9 @@ bool WindowImplementation::send(InputEvent event) {
     } else if (focused && focused->button && event.type == NSEventTypeKeyDown &&
                event.keyCode == kKeyCodeSpace) {
         if (focused->enabled) focused->button->peerPressed();
+    } else if (event.type == NSEventTypeScrollWheel && hit && hit->table) {
+        hit->scrollTo({hit->offset.x - event.scrollingDeltaX * kRowHeight,
+                       hit->offset.y - event.scrollingDeltaY * kRowHeight});
     } else if (event.type == NSEventTypeLeftMouseDown && hit && hit->field) {
         if (hit->enabled && hit->selectable) focus(hit);
         if (!platform.has(this)) return true;
@@ -586,6 +651,47 @@ std::vector<std::string> WindowImplementation::traits(std::string_view viewName)
     return names;
 }
 
+std::vector<std::vector<std::string>> WindowImplementation::visibleRows(std::string_view viewName) const {
+    const View& view = named(viewName);
+    const auto first = static_cast<std::size_t>(view.offset.y / kRowHeight);
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t row = first;
+         row < view.rowCount && static_cast<double>(row) * kRowHeight < view.offset.y + view.frame.size.height;
+         ++row) {
+        rows.emplace_back();
+        for (std::size_t column = 0; column < view.columns.size(); ++column)
+            rows.back().push_back(view.table->peerText(row, column));
+    }
+    return rows;
+}
+
+bool WindowImplementation::clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags) {
+    const View& view = named(viewName);
+    const double middle = (static_cast<double>(row) + 0.5) * kRowHeight - view.offset.y;
+    if (row >= view.rowCount || middle < 0 || middle >= view.frame.size.height || !view.isShown()) return false;
+    const CGPoint corner = view.originInContent();
+    const CGPoint point = {corner.x + 1, contentSize_.height - (corner.y + middle)};
+    return mouseDown(point, modifierFlags) && mouseUp(point, modifierFlags);
+}
+
+std::vector<std::string> WindowImplementation::columnTitles(std::string_view viewName) const {
+    std::vector<std::string> titles;
+    for (const auto& column : named(viewName).columns) titles.push_back(column.title);
+    return titles;
+}
+
+std::vector<double> WindowImplementation::columnWidths(std::string_view viewName) const {
+    std::vector<double> widths;
+    for (const auto& column : named(viewName).columns) widths.push_back(column.width);
+    return widths;
+}
+
+void WindowImplementation::resizeColumn(std::string_view viewName, std::size_t column, double width) {
+    auto& platform = system;
+    named(viewName).header->peerColumnResized(column, width);
+    platform.display();
+}
+
 std::vector<std::string> WindowImplementation::viewNames() const {
     std::vector<std::string> names;
     if (root) root->walk([&](View& view) { names.push_back(view.name); });
@@ -683,6 +789,20 @@ std::unique_ptr<port::ButtonPeer> System::makeButton(port::ViewPeer& parent, por
                                                      port::ButtonClient& button) {
     auto peer = attach(std::make_unique<ButtonPeer>(*this), parent, client);
     peer->view->button = &button;
+    return peer;
+}
+
+std::unique_ptr<port::TablePeer> System::makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                                   port::TableClient& table) {
+    auto peer = attach(std::make_unique<TablePeer>(), parent, client);
+    peer->view->table = &table;
+    return peer;
+}
+
+std::unique_ptr<port::TableHeaderPeer> System::makeTableHeader(port::ViewPeer& parent, port::ViewClient& client,
+                                                               port::TableHeaderClient& header) {
+    auto peer = attach(std::make_unique<TableHeaderPeer>(), parent, client);
+    peer->view->header = &header;
     return peer;
 }
 

@@ -59,8 +59,17 @@ public:
     // "default"; of a label "scrolls".
     virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
     virtual double shownProgress(std::string_view viewName) const = 0; // 0 to 1; -1 while it is not known
-    virtual bool isSheet() const = 0;                                  // over another window at the moment
-    virtual std::vector<std::string> viewNames() const = 0;            // from back to front, superviews first
+    // Of a table: the texts of the rows that are seen, in part too; which rows are marked.
+    virtual std::vector<std::vector<std::string>> visibleRows(std::string_view viewName) const = 0;
+    virtual std::vector<std::size_t> selectedRows(std::string_view viewName) const = 0;
+    // False where the row is not seen.
+    virtual bool clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags = 0) = 0;
+    // Of a table's header.
+    virtual std::vector<std::string> columnTitles(std::string_view viewName) const = 0;
+    virtual std::vector<double> columnWidths(std::string_view viewName) const = 0; // of a table, too
+    virtual void resizeColumn(std::string_view viewName, std::size_t column, double width) = 0;
+    virtual bool isSheet() const = 0;                       // over another window at the moment
+    virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
 };
 
 struct Options {

@@ -1,5 +1,6 @@
 #include "QtCanvas.h"
 #include "QtDueWork.h"
+#include "QtTable.h"
 #include "QtTrackingLoop.h"
 #include "QtViews.h"
 #include "QtWindow.h"
@@ -41,8 +42,8 @@ template <class Peer, class Widget, class... Arguments>
 std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments) {
     auto& hasWidget = dynamic_cast<HasWidget&>(parent);
     Widget* widget = nullptr;
-    if constexpr (std::is_same_v<Widget, ViewWidget>)
-        widget = new ViewWidget(hasWidget.anyWidget(), hasWidget.link, arguments...);
+    if constexpr (std::is_constructible_v<Widget, QWidget*, std::shared_ptr<WindowLink>, Arguments&...>)
+        widget = new Widget(hasWidget.anyWidget(), hasWidget.link, arguments...);
     else
         widget = new Widget(hasWidget.anyWidget(), arguments...);
     auto peer = std::make_unique<Peer>(widget);
@@ -120,6 +121,17 @@ QtWindowSystem::makeTextField(port::ViewPeer& parent, port::ViewClient& client, 
 std::unique_ptr<port::ButtonPeer> QtWindowSystem::makeButton(port::ViewPeer& parent, port::ViewClient& client,
                                                              port::ButtonClient& button) {
     return makePeer<ButtonPeer, ButtonWidget>(parent, client, button);
+}
+
+std::unique_ptr<port::TablePeer> QtWindowSystem::makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                                           port::TableClient& table) {
+    return makePeer<TablePeer, TableWidget>(parent, client, table);
+}
+
+std::unique_ptr<port::TableHeaderPeer> QtWindowSystem::makeTableHeader(port::ViewPeer& parent,
+                                                                       port::ViewClient& client,
+                                                                       port::TableHeaderClient& header) {
+    return makePeer<TableHeaderPeer, TableHeaderWidget>(parent, client, header);
 }
 
 Appearance QtWindowSystem::appearance() const { return appearanceOf(QApplication::palette()); }

@@ -39,6 +39,9 @@ public:
                                                          TextFieldClient& field) = 0;
     virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,
                                                    ButtonClient& button) = 0;
+    virtual std::unique_ptr<TablePeer> makeTable(ViewPeer& parent, ViewClient& client, TableClient& table) = 0;
+    virtual std::unique_ptr<TableHeaderPeer> makeTableHeader(ViewPeer& parent, ViewClient& client,
+                                                             TableHeaderClient& header) = 0;
 };
 
 // While it lives, the program waits for input in the middle of handling an event. Input for our views comes to
