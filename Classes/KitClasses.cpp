@@ -6,6 +6,7 @@
 #include <AppKit/NSImageView.h>
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSNib.h>
+#include <AppKit/NSOpenPanel.h>
 #include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSResponder.h>
 #include <AppKit/NSScrollView.h>
@@ -66,6 +67,7 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSToolbar::classTable(),
         &NSToolbarItem::classTable(),
         &NSClipView::classTable(),
+        &NSOpenPanel::classTable(),
         &NSScrollView::classTable(),
         &NSTableColumn::classTable(),
         &NSTableHeaderView::classTable(),

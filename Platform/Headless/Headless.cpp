@@ -90,6 +90,8 @@ public:
     void scrollTo(CGPoint wanted);
 };
 
+struct OpenPanelPeer;
+
 class System final : public port::WindowSystem {
 public:
     explicit System(Options options);
@@ -124,8 +126,11 @@ public:
     void run() override;
     void stop() override { stopped = true; }
     std::unique_ptr<port::TrackingLoop> beginTracking() override;
+    std::unique_ptr<port::OpenPanelPeer> showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
+                                                       port::OpenPanelClient& client) override;
 
     void display();
+    void cancelPanelsOver(const WindowImplementation& window);
     void tellAppearance(Appearance before);
     bool has(const WindowImplementation* window) const {
         return std::ranges::find(windows, window) != windows.end();
@@ -136,6 +141,7 @@ public:
     std::shared_ptr<Queues> queues;
     port::ApplicationClient* application = nullptr;
     std::vector<WindowImplementation*> windows;
+    std::vector<OpenPanelPeer*> openPanels;
     std::optional<Appearance> ownAppearance;
     std::deque<std::function<void()>> script;
     bool starved = false;
@@ -214,6 +220,39 @@ public:
     View* root = nullptr;
     View* focused = nullptr;
     View* pressedButton = nullptr;
+};
+
+struct OpenPanelPeer final : port::OpenPanelPeer, OpenPanel {
+    OpenPanelPeer(System& owner, port::OpenPanel given, WindowImplementation* over, port::OpenPanelClient& user)
+        : system(owner), panel(std::move(given)), parent(over), client(user), modal(++owner.modalWindows) {
+        system.openPanels.push_back(this);
+    }
+    ~OpenPanelPeer() override { std::erase(system.openPanels, this); }
+
+    const std::string& prompt() const override { return panel.prompt; }
+    const std::string& folder() const override { return panel.folder; }
+    bool choosesFiles() const override { return panel.files; }
+    bool choosesFolders() const override { return panel.folders; }
+    bool choosesSeveral() const override { return panel.several; }
+    Window* window() const override { return parent; }
+    void choose(const std::vector<std::string>& paths) override {
+        if (paths.empty() || (paths.size() > 1 && !panel.several))
+            throw std::logic_error("not what this panel chooses");
+        answer(paths);
+    }
+    void cancel() override { answer({}); }
+
+    void answer(const std::vector<std::string>& paths) {
+        auto& platform = system;
+        client.peerChose(paths);
+        platform.display();
+    }
+
+    System& system;
+    port::OpenPanel panel;
+    WindowImplementation* parent; // null: all
+    port::OpenPanelClient& client;
+    int modal; // counts up with each modal window and panel
 };
 
 View::View(WindowImplementation& owner, View* superview, port::ViewClient& viewClient)
@@ -354,6 +393,7 @@ struct WindowPeer final : port::WindowPeer {
     ~WindowPeer() override {
         auto& platform = window->system;
         std::erase(platform.windows, window.get());
+        platform.cancelPanelsOver(*window);
         if (window->key) platform.giveKeyBack();
     }
 
@@ -377,6 +417,7 @@ struct WindowPeer final : port::WindowPeer {
         const bool wasKey = window->key;
         auto& platform = window->system;
         window->setKey(false);
+        platform.cancelPanelsOver(*window);
         if (wasKey) platform.giveKeyBack();
     }
     void close() override { window->client->peerClosed(); }
@@ -479,12 +520,16 @@ bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::ui
 
 bool WindowImplementation::isBlocked() const {
     const auto isSheetHere = [this](const auto* other) { return other->visible && other->sheetParent == this; };
-    return isBlockedByModalWindow() || std::ranges::any_of(system.windows, isSheetHere);
+    const auto isPanelHere = [this](const auto* panel) { return panel->parent == this; };
+    return isBlockedByModalWindow() || std::ranges::any_of(system.windows, isSheetHere) ||
+           std::ranges::any_of(system.openPanels, isPanelHere);
 }
 
 bool WindowImplementation::isBlockedByModalWindow() const {
     return std::ranges::any_of(system.windows,
-                               [this](const auto* other) { return other->visible && other->modal > modal; });
+                               [this](const auto* other) { return other->visible && other->modal > modal; }) ||
+           std::ranges::any_of(system.openPanels,
+                               [this](const auto* panel) { return !panel->parent && panel->modal > modal; });
 }
 
 bool WindowImplementation::send(InputEvent event) {
@@ -867,6 +912,18 @@ std::unique_ptr<port::TrackingLoop> System::beginTracking() {
     return std::make_unique<TrackingLoop>(*this);
 }
 
+std::unique_ptr<port::OpenPanelPeer> System::showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
+                                                           port::OpenPanelClient& client) {
+    auto* const parent = over ? dynamic_cast<WindowPeer&>(*over).window.get() : nullptr;
+    return std::make_unique<OpenPanelPeer>(*this, panel, parent, client);
+}
+
+void System::cancelPanelsOver(const WindowImplementation& window) {
+    for (auto* const panel : std::vector(openPanels))
+        if (std::ranges::find(openPanels, panel) != openPanels.end() && panel->parent == &window)
+            panel->cancel();
+}
+
 void System::giveKeyBack() {
     for (auto window = windows.rbegin(); window != windows.rend(); ++window)
         if ((*window)->visible) return (*window)->setKey(true);
@@ -895,6 +952,10 @@ Platform::~Platform() {
 }
 
 std::vector<Window*> Platform::windows() const { return {system_->windows.begin(), system_->windows.end()}; }
+
+std::vector<OpenPanel*> Platform::openPanels() const {
+    return {system_->openPanels.begin(), system_->openPanels.end()};
+}
 
 double Platform::now() const { return static_cast<double>(system_->queues->now()) / kNanoseconds; }
 

@@ -72,6 +72,23 @@ public:
     virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
 };
 
+// A dialog in which the user chooses files or folders, seen from outside.
+class OpenPanel {
+public:
+    virtual ~OpenPanel() = default;
+
+    virtual const std::string& prompt() const = 0;
+    virtual const std::string& folder() const = 0; // that is shown first; empty: the one that was shown last
+    virtual bool choosesFiles() const = 0;
+    virtual bool choosesFolders() const = 0;
+    virtual bool choosesSeveral() const = 0;
+    virtual Window* window() const = 0; // that it is over; null: all of them
+    // The panel goes. Throws std::logic_error when more is chosen than may be, or nothing. The file system is
+    // not looked at.
+    virtual void choose(const std::vector<std::string>& paths) = 0;
+    virtual void cancel() = 0;
+};
+
 struct Options {
     double scale = 1;
     CGSize screenSize = {1280, 800};
@@ -93,6 +110,8 @@ public:
 
     // Windows that are realised, in the order in which they were.
     std::vector<Window*> windows() const;
+
+    std::vector<OpenPanel*> openPanels() const; // that are shown, in the order in which they were
 
     double now() const; // seconds, since an arbitrary moment
     // Lets time pass: blocks of the main queue that become due run, each at its time. Then displays.

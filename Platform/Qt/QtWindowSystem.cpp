@@ -1,5 +1,6 @@
 #include "QtCanvas.h"
 #include "QtDueWork.h"
+#include "QtOpenPanel.h"
 #include "QtTable.h"
 #include "QtTrackingLoop.h"
 #include "QtViews.h"
@@ -156,6 +157,13 @@ void QtWindowSystem::stop() { QCoreApplication::exit(0); }
 
 std::unique_ptr<port::TrackingLoop> QtWindowSystem::beginTracking() {
     return std::make_unique<QtTrackingLoop>();
+}
+
+std::unique_ptr<port::OpenPanelPeer> QtWindowSystem::showOpenPanel(const port::OpenPanel& panel,
+                                                                   port::WindowPeer* over,
+                                                                   port::OpenPanelClient& client) {
+    auto* const topLevel = dynamic_cast<TopLevelPeer*>(over);
+    return std::make_unique<OpenPanelPeer>(panel, topLevel ? topLevel->topLevel() : nullptr, client);
 }
 
 bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {

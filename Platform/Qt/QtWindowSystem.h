@@ -44,6 +44,8 @@ public:
     void run() override;
     void stop() override;
     std::unique_ptr<port::TrackingLoop> beginTracking() override;
+    std::unique_ptr<port::OpenPanelPeer> showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
+                                                       port::OpenPanelClient& client) override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
