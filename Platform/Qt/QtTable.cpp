@@ -108,7 +108,7 @@ void TableWidget::reload(std::size_t rowCount) {
     tellScrolled();
 }
 
-void TableWidget::setSelection(const std::set<std::size_t>& rows) {
+void TableWidget::markRows(const std::set<std::size_t>& rows) {
     QItemSelection selection;
     const int lastColumn = model_.columnCount() - 1;
     for (auto row = rows.begin(); row != rows.end();) {
@@ -216,7 +216,7 @@ void TablePeer::reload(std::size_t rowCount) {
 }
 
 void TablePeer::setSelection(const std::set<std::size_t>& rows) {
-    if (widget_) widget_->setSelection(rows);
+    if (widget_) widget_->markRows(rows);
 }
 
 void TablePeer::setEnabled(bool enabled) {

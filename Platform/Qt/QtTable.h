@@ -41,7 +41,7 @@ public:
     void place(const CGRect& frame);
     void setColumns(const std::vector<port::TableColumn>& columns);
     void reload(std::size_t rowCount);
-    void setSelection(const std::set<std::size_t>& rows);
+    void markRows(const std::set<std::size_t>& rows);
 
     std::shared_ptr<WindowLink> link;
     port::ViewClient* client;
