@@ -6,8 +6,13 @@
 #include <AppKit/NSImageView.h>
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSNib.h>
+#include <AppKit/NSOpenPanel.h>
 #include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSResponder.h>
+#include <AppKit/NSScrollView.h>
+#include <AppKit/NSTableColumn.h>
+#include <AppKit/NSTableHeaderView.h>
+#include <AppKit/NSTableView.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
@@ -61,6 +66,12 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSMenuItem::classTable(),
         &NSToolbar::classTable(),
         &NSToolbarItem::classTable(),
+        &NSClipView::classTable(),
+        &NSOpenPanel::classTable(),
+        &NSScrollView::classTable(),
+        &NSTableColumn::classTable(),
+        &NSTableHeaderView::classTable(),
+        &NSTableView::classTable(),
     };
     return tables;
 }

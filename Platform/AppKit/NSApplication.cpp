@@ -158,8 +158,14 @@ std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask ma
 }
 
 int NSApplication::runModalForWindow(NSWindow& window) {
+    const auto held = retained(&window);
+    return runModal(
+        held, [&] { window.showModal(); }, [&] { return window.isVisible(); });
+}
+
+int NSApplication::runModal(const std::shared_ptr<NSWindow>& window, const std::function<void()>& show,
+                            const std::function<bool()>& isShown) {
     const auto held = retained(this);
-    const auto heldWindow = retained(&window);
     if (terminating_) return NSModalResponseAbort;
     // A view that follows the pointer does not get its release any more.
     const auto windows = windows_;
@@ -172,12 +178,12 @@ int NSApplication::runModalForWindow(NSWindow& window) {
     if (tracking) tracking->loop->holdBack(false);
 
     const auto modal = std::make_shared<Modal>();
-    modal->window = heldWindow;
+    modal->window = window;
     modal->loop = installation()->windowSystem.beginTracking();
     modal->loop->holdBack(false);
     modals_.push_back(modal);
-    window.showModal();
-    while (!modal->code && !terminating_ && window.isVisible() && modal->loop->wait()) {
+    show();
+    while (!modal->code && !terminating_ && isShown() && modal->loop->wait()) {
     }
     std::erase(modals_, modal);
 

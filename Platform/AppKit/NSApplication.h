@@ -4,6 +4,7 @@
 #include <Base/Colour.h>
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -88,6 +89,7 @@ public:
     bool sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender);
 
 private:
+    friend class NSOpenPanel;
     friend class NSWindow;
     friend struct Installation;
     void windowWasShown(NSWindow& window);
@@ -108,6 +110,9 @@ private:
     bool deliver(NSWindow& window, const NSEvent& event);
     std::optional<NSEvent> nextEvent(NSWindow& window, NSEventMask mask);
     std::optional<NSEvent> takeEvent(NSEventMask mask);
+    // A session for a window, or for none of ours, as long as it is shown.
+    int runModal(const std::shared_ptr<NSWindow>& window, const std::function<void()>& show,
+                 const std::function<bool()>& isShown);
     void wakeTracking();
     void wakeModal();
     void endTracking();

@@ -3,6 +3,8 @@
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSNib.h>
+#include <AppKit/NSScrollView.h>
+#include <AppKit/NSTableView.h>
 #include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
@@ -24,8 +26,6 @@ constexpr std::uintmax_t kMaximumBytes = std::uintmax_t{16} << 20;
 
 using Objects = std::vector<std::shared_ptr<NSObject>>;
 
-NSView& viewOf(const std::shared_ptr<NSObject>& object) { return static_cast<NSView&>(*object); }
-
 // One opening of a file.
 class Instance {
 public:
@@ -40,9 +40,9 @@ public:
             if (!object) throw nib::Broken(plan.description + ": it could not be made");
             objects_.push_back(std::move(object));
         }
-        assemble(nib::Object::Role::subview);
-        assemble(nib::Object::Role::contentView);
-        assemble(nib::Object::Role::toolbar);
+        using enum nib::Object::Role;
+        for (const auto role : {subview, tableColumn, clipView, headerView, contentView, toolbar})
+            assemble(role);
     }
     void check() const {
         for (const auto& plan : file_.outlets) {
@@ -81,16 +81,38 @@ private:
     void assemble(nib::Object::Role role) const {
         for (std::size_t i = 0; i < objects_.size(); ++i) {
             if (file_.objects[i].role != role) continue;
-            const auto& parent = resolve(file_.objects[i].parent);
-            if (role == nib::Object::Role::toolbar) {
-                static_cast<NSWindow&>(*parent).setToolbar(std::static_pointer_cast<NSToolbar>(objects_[i]));
-                continue;
-            }
-            const auto view = std::static_pointer_cast<NSView>(objects_[i]);
-            if (role == nib::Object::Role::subview)
-                viewOf(parent).addSubview(view);
+            put(objects_[i], *resolve(file_.objects[i].parent), file_.objects[i]);
+        }
+    }
+    void put(const std::shared_ptr<NSObject>& object, NSObject& parent, const nib::Object& plan) const {
+        switch (plan.role) {
+        case nib::Object::Role::topLevel:
+            break;
+        case nib::Object::Role::subview:
+            static_cast<NSView&>(parent).addSubview(std::static_pointer_cast<NSView>(object));
+            break;
+        case nib::Object::Role::tableColumn:
+            static_cast<NSTableView&>(parent).addTableColumn(std::static_pointer_cast<NSTableColumn>(object));
+            break;
+        case nib::Object::Role::clipView: {
+            const auto clip = std::static_pointer_cast<NSClipView>(object);
+            if (!clip->subviews().empty()) clip->setDocumentView(clip->subviews().front());
+            static_cast<NSScrollView&>(parent).setContentView(clip);
+            break;
+        }
+        case nib::Object::Role::headerView:
+            if (auto* const table =
+                    dynamic_cast<NSTableView*>(static_cast<NSScrollView&>(parent).documentView().get()))
+                table->setHeaderView(std::static_pointer_cast<NSTableHeaderView>(object));
             else
-                static_cast<NSWindow&>(*parent).setContentView(view);
+                note_(plan.description + ": there is no table below it");
+            break;
+        case nib::Object::Role::contentView:
+            static_cast<NSWindow&>(parent).setContentView(std::static_pointer_cast<NSView>(object));
+            break;
+        case nib::Object::Role::toolbar:
+            static_cast<NSWindow&>(parent).setToolbar(std::static_pointer_cast<NSToolbar>(object));
+            break;
         }
     }
 

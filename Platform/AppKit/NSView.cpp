@@ -66,6 +66,12 @@ void NSView::setFrame(const NSRect& frame) {
     setNeedsDisplay(true);
 }
 
+void NSView::setBoundsOrigin(const NSPoint& origin) {
+    if (origin == boundsOrigin_) return;
+    boundsOrigin_ = origin;
+    for (const auto& subview : subviews_) subview->placePeer();
+}
+
 void NSView::addSubview(const std::shared_ptr<NSView>& view) {
     if (!view || isDescendantOf(*view)) return;
     if (view->superview_ == this) {
@@ -166,6 +172,8 @@ void NSView::resizeWithOldSuperviewSize(const NSSize& oldSize) {
 
 NSPoint NSView::pointToWindow(NSPoint point) const {
     for (const NSView* view = this; view; view = view->superview_) {
+        point.x -= view->boundsOrigin_.x;
+        point.y -= view->boundsOrigin_.y;
         if (view->isFlipped() != view->superviewIsFlipped()) point.y = view->frame_.size.height - point.y;
         point.x += view->frame_.origin.x;
         point.y += view->frame_.origin.y;
@@ -178,7 +186,7 @@ NSPoint NSView::pointFromWindow(NSPoint point) const {
     point.x -= frame_.origin.x;
     point.y -= frame_.origin.y;
     if (isFlipped() != superviewIsFlipped()) point.y = frame_.size.height - point.y;
-    return point;
+    return {point.x + boundsOrigin_.x, point.y + boundsOrigin_.y};
 }
 
 NSPoint NSView::convertPoint_fromView(const NSPoint& point, const NSView* view) const {
@@ -211,6 +219,7 @@ NSView* NSView::hitTest(const NSPoint& point) {
     if (hidden_) return nullptr;
     NSPoint own = {point.x - frame_.origin.x, point.y - frame_.origin.y};
     if (isFlipped() != superviewIsFlipped()) own.y = frame_.size.height - own.y;
+    own = {own.x + boundsOrigin_.x, own.y + boundsOrigin_.y};
     if (!NSMouseInRect(own, bounds(), isFlipped())) return nullptr;
     for (std::size_t i = subviews_.size(); i-- > 0;)
         if (NSView* const hit = subviews_[i]->hitTest(own)) return hit;
@@ -294,8 +303,8 @@ void NSView::unrealise() {
 // Where y is turned over for frames.
 void NSView::placePeer() {
     if (!peer_ || !superview_) return;
-    NSRect frame = frame_;
-    if (!superview_->isFlipped()) frame.origin.y = superview_->frame_.size.height - NSMaxY(frame_);
+    NSRect frame = NSOffsetRect(frame_, -superview_->boundsOrigin_.x, -superview_->boundsOrigin_.y);
+    if (!superview_->isFlipped()) frame.origin.y = superview_->frame_.size.height - NSMaxY(frame);
     peer_->setFrame(frame);
 }
 

@@ -48,7 +48,7 @@ public:
     void setFrame(const NSRect& frame);
     void setFrameOrigin(const NSPoint& origin) { setFrame({origin, frame_.size}); }
     void setFrameSize(const NSSize& size) { setFrame({frame_.origin, size}); }
-    NSRect bounds() const { return {NSZeroPoint, frame_.size}; }
+    NSRect bounds() const { return {boundsOrigin_, frame_.size}; }
     virtual bool isFlipped() const { return false; }
 
     NSView* superview() const { return superview_; }
@@ -111,6 +111,8 @@ public:
     void setIdentifier(const std::string& identifier);
 
 protected:
+    // Where the view's own coordinates begin: elsewhere in a view whose peer scrolls. Drawing does not follow.
+    void setBoundsOrigin(const NSPoint& origin);
     // The only place to give a view another peer. It becomes visible where the view is.
     virtual std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                      port::ViewClient& client);
@@ -133,6 +135,7 @@ private:
     void appearanceChanged();
 
     NSRect frame_;
+    NSPoint boundsOrigin_;
     NSView* superview_ = nullptr; // cleared by the superview
     NSWindow* window_ = nullptr;  // cleared by the window
     std::vector<std::shared_ptr<NSView>> subviews_;

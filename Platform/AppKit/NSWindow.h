@@ -158,6 +158,7 @@ private:
     struct Client;
 
     friend class NSAlert;
+    friend class NSOpenPanel;
     friend class NSTextField;
     friend class NSToolbar;
     bool selectKeyView(NSView* from, bool backwards); // false: there is no other

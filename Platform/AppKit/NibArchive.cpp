@@ -17,6 +17,7 @@ namespace {
 // Where an attribute stands: on the element of any object, on its cell, or on elements of one name.
 constexpr std::string_view kAny;
 constexpr std::string_view kCell = "cell";
+constexpr std::string_view kHeaderCell = "headerCell";
 
 struct TextRow {
     std::string_view key;
@@ -27,6 +28,7 @@ constexpr TextRow kTexts[] = {
     {"NSIdentifier", kAny, "identifier"},
     {"NSWindowTitle", "window", "title"},
     {"NSToolbarIdentifier", "toolbar", "implicitIdentifier"},
+    {"NSHeaderTitle", kHeaderCell, "title"},
     {"NSTitle", kCell, "title"},
     {"NSContents", kCell, "title"},
     {"NSPlaceholderString", kCell, "placeholderString"},
@@ -50,6 +52,8 @@ constexpr FlagRow kFlags[] = {
     {"NSSendsActionOnEndEditing", kCell, "sendsActionOnEndEditing", false},
     {"NSIndeterminate", "progressIndicator", "indeterminate", false},
     {"NSDisplayedWhenStopped", "progressIndicator", "displayedWhenStopped", true},
+    {"NSAllowsMultipleSelection", "tableView", "multipleSelection", true},
+    {"NSAllowsEmptySelection", "tableView", "emptySelection", true},
 };
 
 struct NumberRow {
@@ -61,6 +65,9 @@ constexpr NumberRow kNumbers[] = {
     {"NSMinValue", "progressIndicator", "minValue"},
     {"NSMaxValue", "progressIndicator", "maxValue"},
     {"NSDoubleValue", "progressIndicator", "doubleValue"},
+    {"NSWidth", "tableColumn", "width"},
+    {"NSMinWidth", "tableColumn", "minWidth"},
+    {"NSMaxWidth", "tableColumn", "maxWidth"},
 };
 
 using Word = std::pair<std::string_view, double>;
@@ -79,6 +86,7 @@ constexpr Word kLineBreakModes[] = {
     {"truncatingMiddle", NSLineBreakByTruncatingMiddle},
 };
 constexpr Word kProgressStyles[] = {{"bar", 0}, {"spinning", 1}};
+constexpr Word kBorderTypes[] = {{"none", 0}, {"line", 1}, {"bezel", 2}, {"groove", 3}};
 constexpr Word kImageScalings[] = {
     {"proportionallyDown", 0},
     {"axesIndependently", 1},
@@ -96,6 +104,7 @@ const WordRow kWords[] = {
     {"NSAlignment", kCell, "alignment", kAlignments, NSTextAlignmentLeft},
     {"NSLineBreakMode", kCell, "lineBreakMode", kLineBreakModes, NSLineBreakByWordWrapping},
     {"NSProgressStyle", "progressIndicator", "style", kProgressStyles, 0},
+    {"NSBorderType", "scrollView", "borderType", kBorderTypes, 2},
     {"NSImageScaling", kCell, "imageScaling", kImageScalings, std::nullopt},
 };
 
@@ -158,7 +167,7 @@ pugi::xml_node childWithKey(const pugi::xml_node& element, const char* key) {
 }
 
 pugi::xml_node at(const pugi::xml_node& object, std::string_view place) {
-    if (place == kCell) return childWithKey(object, "cell");
+    if (place == kCell || place == kHeaderCell) return childWithKey(object, place.data());
     return place == kAny || place == object.name() ? object : pugi::xml_node();
 }
 

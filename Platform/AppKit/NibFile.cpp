@@ -1,5 +1,7 @@
 #include "NibFile.h"
 
+#include <AppKit/NSScrollView.h>
+#include <AppKit/NSTableView.h>
 #include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
@@ -19,12 +21,36 @@ constexpr std::string_view kDocumentType = "com.apple.InterfaceBuilder3.Cocoa.XI
 
 // Elements that are read elsewhere or that mean nothing here. Any other is worth a note.
 // A toolbar's items are its delegate's.
-constexpr std::array<std::string_view, 5> kKnownElements = {
-    "subviews", "connections", "userDefinedRuntimeAttributes", "allowedToolbarItems", "defaultToolbarItems"};
-constexpr std::array<std::string_view, 17> kKnownKeys = {
-    "frame",    "autoresizingMask", "cell",       "contentView",    "contentRect",   "styleMask",
-    "minSize",  "maxSize",          "title",      "identifier",     "font",          "textColor",
-    "behavior", "backgroundColor",  "screenRect", "canvasLocation", "keyEquivalent",
+constexpr std::array<std::string_view, 6> kKnownElements = {
+    "subviews",     "connections", "userDefinedRuntimeAttributes", "allowedToolbarItems", "defaultToolbarItems",
+    "tableColumns",
+};
+// How a table looks is the window system's affair.
+constexpr std::array<std::string_view, 24> kKnownKeys = {
+    "frame",
+    "autoresizingMask",
+    "cell",
+    "contentView",
+    "contentRect",
+    "styleMask",
+    "minSize",
+    "maxSize",
+    "title",
+    "identifier",
+    "font",
+    "textColor",
+    "behavior",
+    "backgroundColor",
+    "screenRect",
+    "canvasLocation",
+    "keyEquivalent",
+    "headerCell",
+    "dataCell",
+    "resizingMask",
+    "intercellSpacing",
+    "gridColor",
+    "horizontalScroller",
+    "verticalScroller",
 };
 
 class Reader {
@@ -99,6 +125,22 @@ private:
         return classNamed(name, element);
     }
 
+    // Null: it depends on the element.
+    static const ClassTable* classOfRole(Object::Role role) {
+        switch (role) {
+        case Object::Role::toolbar:
+            return &NSToolbar::classTable();
+        case Object::Role::tableColumn:
+            return &NSTableColumn::classTable();
+        case Object::Role::clipView:
+            return &NSClipView::classTable();
+        case Object::Role::headerView:
+            return &NSTableHeaderView::classTable();
+        default:
+            return nullptr;
+        }
+    }
+
     static const ClassTable& classOf(const pugi::xml_node& element, Object::Role role) {
         const ClassTable& usual = classOfElement(element);
         const ClassTable& table = element.attribute("customClass")
@@ -108,8 +150,8 @@ private:
             return Broken(stringWithFormat("%@: %@ is no %@", describe(element), table.name, wanted.name));
         };
         if (!table.isSubclassOf(usual)) throw isNo(usual);
-        if (role == Object::Role::toolbar) {
-            if (!table.isSubclassOf(NSToolbar::classTable())) throw isNo(NSToolbar::classTable());
+        if (const ClassTable* const wanted = classOfRole(role)) {
+            if (!table.isSubclassOf(*wanted)) throw isNo(*wanted);
             return table;
         }
         if (role != Object::Role::topLevel || std::string_view(element.name()) != "customObject") {
@@ -127,7 +169,9 @@ private:
         object.parent = parent;
         const bool isCustomObject = std::string_view(element.name()) == "customObject";
         const bool isWindow = !isCustomObject && object.table->isSubclassOf(NSWindow::classTable());
-        const bool isView = !isCustomObject && !isWindow && role != Object::Role::toolbar;
+        const bool isView = !isCustomObject && object.table->isSubclassOf(NSView::classTable());
+        const bool isScrollView = isView && object.table->isSubclassOf(NSScrollView::classTable());
+        const bool isTable = isView && object.table->isSubclassOf(NSTableView::classTable());
         if (!isCustomObject) object.archive.emplace(element, note_);
         object.visibleAtLaunch =
             isWindow && (!element.attribute("visibleAtLaunch") || flagOf(element, "visibleAtLaunch"));
@@ -136,16 +180,32 @@ private:
         sources_.emplace_back(element, reference);
         file_.objects.push_back(std::move(object));
 
-        bool hasContent = false, hasToolbar = false;
+        struct Part {
+            bool mayHave;
+            std::string_view key;
+            Object::Role role;
+            const char* name;
+            bool has = false;
+        };
+        std::array<Part, 4> parts = {{
+            {isWindow, "contentView", Object::Role::contentView, "content view"},
+            {isWindow, "toolbar", Object::Role::toolbar, "toolbar"},
+            {isScrollView, "contentView", Object::Role::clipView, "clip view"},
+            {isScrollView, "headerView", Object::Role::headerView, "header"},
+        }};
         for (const auto& child : elementsOf(element)) {
-            if (isView && std::string_view(child.name()) == "subviews") {
+            const std::string_view name = child.name(), key = child.attribute("key").value();
+            const auto part =
+                std::ranges::find_if(parts, [&](const Part& each) { return each.mayHave && each.key == key; });
+            if (isView && name == "subviews") {
                 for (const auto& view : elementsOf(child)) readObject(view, Object::Role::subview, reference);
-            } else if (isWindow && std::string_view(child.attribute("key").value()) == "contentView") {
-                if (std::exchange(hasContent, true)) throw Broken(describe(child) + ": a second content view");
-                readObject(child, Object::Role::contentView, reference);
-            } else if (isWindow && std::string_view(child.attribute("key").value()) == "toolbar") {
-                if (std::exchange(hasToolbar, true)) throw Broken(describe(child) + ": a second toolbar");
-                readObject(child, Object::Role::toolbar, reference);
+            } else if (isTable && name == "tableColumns") {
+                for (const auto& column : elementsOf(child))
+                    readObject(column, Object::Role::tableColumn, reference);
+            } else if (part != parts.end()) {
+                if (std::exchange(part->has, true))
+                    throw Broken(stringWithFormat("%@: a second %s", describe(child), part->name));
+                readObject(child, part->role, reference);
             } else {
                 noteUnread(child);
             }

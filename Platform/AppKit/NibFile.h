@@ -20,12 +20,13 @@ inline constexpr Reference kOwner = -2;
 inline constexpr Reference kApplication = -3;
 
 struct Object {
-    enum class Role { topLevel, subview, contentView, toolbar };
+    // A clip view and a header are a scroll view's, columns a table's.
+    enum class Role { topLevel, subview, tableColumn, clipView, headerView, contentView, toolbar };
     std::string description;
     const ClassTable* table = nullptr;
     std::optional<Archive> archive; // none: made by init
     Role role = Role::topLevel;
-    Reference parent = kOwner; // for subviews, content views and toolbars
+    Reference parent = kOwner; // of all but the top level
     bool visibleAtLaunch = false;
 };
 

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <deque>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -79,7 +80,17 @@ public:
     bool isDefault = false;
     port::Progress progress;
     bool scrolls = false;
+    // Of tables and their headers.
+    port::TableClient* table = nullptr;
+    port::TableHeaderClient* header = nullptr;
+    std::vector<port::TableColumn> columns;
+    std::size_t rowCount = 0;
+    std::set<std::size_t> selectedRows;
+    CGPoint offset; // as far as it is scrolled
+    void scrollTo(CGPoint wanted);
 };
+
+struct OpenPanelPeer;
 
 class System final : public port::WindowSystem {
 public:
@@ -101,6 +112,10 @@ public:
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
                                                  port::ButtonClient& button) override;
+    std::unique_ptr<port::TablePeer> makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                               port::TableClient& table) override;
+    std::unique_ptr<port::TableHeaderPeer> makeTableHeader(port::ViewPeer& parent, port::ViewClient& client,
+                                                           port::TableHeaderClient& header) override;
     Appearance appearance() const override { return ownAppearance.value_or(options.appearance); }
     void setAppearance(std::optional<Appearance> appearance) override;
     std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override {
@@ -111,8 +126,11 @@ public:
     void run() override;
     void stop() override { stopped = true; }
     std::unique_ptr<port::TrackingLoop> beginTracking() override;
+    std::unique_ptr<port::OpenPanelPeer> showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
+                                                       port::OpenPanelClient& client) override;
 
     void display();
+    void cancelPanelsOver(const WindowImplementation& window);
     void tellAppearance(Appearance before);
     bool has(const WindowImplementation* window) const {
         return std::ranges::find(windows, window) != windows.end();
@@ -123,6 +141,7 @@ public:
     std::shared_ptr<Queues> queues;
     port::ApplicationClient* application = nullptr;
     std::vector<WindowImplementation*> windows;
+    std::vector<OpenPanelPeer*> openPanels;
     std::optional<Appearance> ownAppearance;
     std::deque<std::function<void()>> script;
     bool starved = false;
@@ -159,6 +178,15 @@ public:
         const auto& progress = named(viewName).progress;
         return progress.indeterminate ? -1 : progress.fraction;
     }
+    std::vector<std::vector<std::string>> visibleRows(std::string_view viewName) const override;
+    std::vector<std::size_t> selectedRows(std::string_view viewName) const override {
+        const auto& rows = named(viewName).selectedRows;
+        return {rows.begin(), rows.end()};
+    }
+    bool clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags) override;
+    std::vector<std::string> columnTitles(std::string_view viewName) const override;
+    std::vector<double> columnWidths(std::string_view viewName) const override;
+    void resizeColumn(std::string_view viewName, std::size_t column, double width) override;
     bool isSheet() const override { return sheetParent != nullptr; }
     std::vector<std::string> toolbarItems() const override;
     bool clickToolbarItem(std::string_view label) override;
@@ -192,6 +220,39 @@ public:
     View* root = nullptr;
     View* focused = nullptr;
     View* pressedButton = nullptr;
+};
+
+struct OpenPanelPeer final : port::OpenPanelPeer, OpenPanel {
+    OpenPanelPeer(System& owner, port::OpenPanel given, WindowImplementation* over, port::OpenPanelClient& user)
+        : system(owner), panel(std::move(given)), parent(over), client(user), modal(++owner.modalWindows) {
+        system.openPanels.push_back(this);
+    }
+    ~OpenPanelPeer() override { std::erase(system.openPanels, this); }
+
+    const std::string& prompt() const override { return panel.prompt; }
+    const std::string& folder() const override { return panel.folder; }
+    bool choosesFiles() const override { return panel.files; }
+    bool choosesFolders() const override { return panel.folders; }
+    bool choosesSeveral() const override { return panel.several; }
+    Window* window() const override { return parent; }
+    void choose(const std::vector<std::string>& paths) override {
+        if (paths.empty() || (paths.size() > 1 && !panel.several))
+            throw std::logic_error("not what this panel chooses");
+        answer(paths);
+    }
+    void cancel() override { answer({}); }
+
+    void answer(const std::vector<std::string>& paths) {
+        auto& platform = system;
+        client.peerChose(paths);
+        platform.display();
+    }
+
+    System& system;
+    port::OpenPanel panel;
+    WindowImplementation* parent; // null: all
+    port::OpenPanelClient& client;
+    int modal; // counts up with each modal window and panel
 };
 
 View::View(WindowImplementation& owner, View* superview, port::ViewClient& viewClient)
@@ -265,6 +326,36 @@ struct ProgressPeer final : PeerOf<port::ProgressPeer> {
     }
 };
 
+constexpr double kRowHeight = 19;
+
+struct TablePeer final : PeerOf<port::TablePeer> {
+    void setFrame(const CGRect& frame) override {
+        PeerOf::setFrame(frame);
+        view->scrollTo(view->offset);
+    }
+    void setColumns(const std::vector<port::TableColumn>& columns) override { view->columns = columns; }
+    void reload(std::size_t rowCount) override {
+        view->rowCount = rowCount;
+        std::erase_if(view->selectedRows, [&](std::size_t row) { return row >= rowCount; });
+        view->scrollTo(view->offset);
+    }
+    void setSelection(const std::set<std::size_t>& rows) override { view->selectedRows = rows; }
+    void setEnabled(bool enabled) override { view->enabled = enabled; }
+    void scrollToRow(std::size_t row) override {
+        const double top = static_cast<double>(row) * kRowHeight, height = view->frame.size.height;
+        CGPoint offset = view->offset;
+        if (top + kRowHeight > offset.y + height) offset.y = top + kRowHeight - height;
+        if (top < offset.y) offset.y = top;
+        view->scrollTo(offset);
+    }
+    double rowHeight() const override { return kRowHeight; }
+};
+
+struct TableHeaderPeer final : PeerOf<port::TableHeaderPeer> {
+    void setColumns(const std::vector<port::TableColumn>& columns) override { view->columns = columns; }
+    void setOffset(double x) override { view->offset.x = x; }
+};
+
 struct TextFieldPeer final : PeerOf<port::TextFieldPeer> {
     void setText(const std::string& text) override { view->text = text; }
     void setLook(const port::TextFieldLook& look) override {
@@ -302,6 +393,7 @@ struct WindowPeer final : port::WindowPeer {
     ~WindowPeer() override {
         auto& platform = window->system;
         std::erase(platform.windows, window.get());
+        platform.cancelPanelsOver(*window);
         if (window->key) platform.giveKeyBack();
     }
 
@@ -325,6 +417,7 @@ struct WindowPeer final : port::WindowPeer {
         const bool wasKey = window->key;
         auto& platform = window->system;
         window->setKey(false);
+        platform.cancelPanelsOver(*window);
         if (wasKey) platform.giveKeyBack();
     }
     void close() override { window->client->peerClosed(); }
@@ -368,6 +461,16 @@ std::unique_ptr<Peer> attach(std::unique_ptr<Peer> peer, port::ViewPeer& parent,
 }
 
 } // namespace
+
+// As far as there is anything to see.
+void View::scrollTo(CGPoint wanted) {
+    double width = 0;
+    for (const auto& column : columns) width += column.width;
+    const double right = width - frame.size.width;
+    const double bottom = static_cast<double>(rowCount) * kRowHeight - frame.size.height;
+    offset = {std::max(0.0, std::min(wanted.x, right)), std::max(0.0, std::min(wanted.y, bottom))};
+    table->peerScrolled({offset, frame.size});
+}
 
 // Window
 
@@ -417,12 +520,16 @@ bool Window::keyUp(std::uint16_t keyCode, const std::string& characters, std::ui
 
 bool WindowImplementation::isBlocked() const {
     const auto isSheetHere = [this](const auto* other) { return other->visible && other->sheetParent == this; };
-    return isBlockedByModalWindow() || std::ranges::any_of(system.windows, isSheetHere);
+    const auto isPanelHere = [this](const auto* panel) { return panel->parent == this; };
+    return isBlockedByModalWindow() || std::ranges::any_of(system.windows, isSheetHere) ||
+           std::ranges::any_of(system.openPanels, isPanelHere);
 }
 
 bool WindowImplementation::isBlockedByModalWindow() const {
     return std::ranges::any_of(system.windows,
-                               [this](const auto* other) { return other->visible && other->modal > modal; });
+                               [this](const auto* other) { return other->visible && other->modal > modal; }) ||
+           std::ranges::any_of(system.openPanels,
+                               [this](const auto* panel) { return !panel->parent && panel->modal > modal; });
 }
 
 bool WindowImplementation::send(InputEvent event) {
@@ -443,6 +550,9 @@ bool WindowImplementation::send(InputEvent event) {
     } else if (focused && focused->button && event.type == NSEventTypeKeyDown &&
                event.keyCode == kKeyCodeSpace) {
         if (focused->enabled) focused->button->peerPressed();
+    } else if (event.type == NSEventTypeScrollWheel && hit && hit->table) {
+        hit->scrollTo({hit->offset.x - event.scrollingDeltaX * kRowHeight,
+                       hit->offset.y - event.scrollingDeltaY * kRowHeight});
     } else if (event.type == NSEventTypeLeftMouseDown && hit && hit->field) {
         if (hit->enabled && hit->selectable) focus(hit);
         if (!platform.has(this)) return true;
@@ -586,6 +696,47 @@ std::vector<std::string> WindowImplementation::traits(std::string_view viewName)
     return names;
 }
 
+std::vector<std::vector<std::string>> WindowImplementation::visibleRows(std::string_view viewName) const {
+    const View& view = named(viewName);
+    const auto first = static_cast<std::size_t>(view.offset.y / kRowHeight);
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t row = first;
+         row < view.rowCount && static_cast<double>(row) * kRowHeight < view.offset.y + view.frame.size.height;
+         ++row) {
+        rows.emplace_back();
+        for (std::size_t column = 0; column < view.columns.size(); ++column)
+            rows.back().push_back(view.table->peerText(row, column));
+    }
+    return rows;
+}
+
+bool WindowImplementation::clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags) {
+    const View& view = named(viewName);
+    const double middle = (static_cast<double>(row) + 0.5) * kRowHeight - view.offset.y;
+    if (row >= view.rowCount || middle < 0 || middle >= view.frame.size.height || !view.isShown()) return false;
+    const CGPoint corner = view.originInContent();
+    const CGPoint point = {corner.x + 1, contentSize_.height - (corner.y + middle)};
+    return mouseDown(point, modifierFlags) && mouseUp(point, modifierFlags);
+}
+
+std::vector<std::string> WindowImplementation::columnTitles(std::string_view viewName) const {
+    std::vector<std::string> titles;
+    for (const auto& column : named(viewName).columns) titles.push_back(column.title);
+    return titles;
+}
+
+std::vector<double> WindowImplementation::columnWidths(std::string_view viewName) const {
+    std::vector<double> widths;
+    for (const auto& column : named(viewName).columns) widths.push_back(column.width);
+    return widths;
+}
+
+void WindowImplementation::resizeColumn(std::string_view viewName, std::size_t column, double width) {
+    auto& platform = system;
+    named(viewName).header->peerColumnResized(column, width);
+    platform.display();
+}
+
 std::vector<std::string> WindowImplementation::viewNames() const {
     std::vector<std::string> names;
     if (root) root->walk([&](View& view) { names.push_back(view.name); });
@@ -686,6 +837,20 @@ std::unique_ptr<port::ButtonPeer> System::makeButton(port::ViewPeer& parent, por
     return peer;
 }
 
+std::unique_ptr<port::TablePeer> System::makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                                   port::TableClient& table) {
+    auto peer = attach(std::make_unique<TablePeer>(), parent, client);
+    peer->view->table = &table;
+    return peer;
+}
+
+std::unique_ptr<port::TableHeaderPeer> System::makeTableHeader(port::ViewPeer& parent, port::ViewClient& client,
+                                                               port::TableHeaderClient& header) {
+    auto peer = attach(std::make_unique<TableHeaderPeer>(), parent, client);
+    peer->view->header = &header;
+    return peer;
+}
+
 void System::setAppearance(std::optional<Appearance> appearance) {
     const auto before = this->appearance();
     ownAppearance = appearance;
@@ -747,6 +912,18 @@ std::unique_ptr<port::TrackingLoop> System::beginTracking() {
     return std::make_unique<TrackingLoop>(*this);
 }
 
+std::unique_ptr<port::OpenPanelPeer> System::showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
+                                                           port::OpenPanelClient& client) {
+    auto* const parent = over ? dynamic_cast<WindowPeer&>(*over).window.get() : nullptr;
+    return std::make_unique<OpenPanelPeer>(*this, panel, parent, client);
+}
+
+void System::cancelPanelsOver(const WindowImplementation& window) {
+    for (auto* const panel : std::vector(openPanels))
+        if (std::ranges::find(openPanels, panel) != openPanels.end() && panel->parent == &window)
+            panel->cancel();
+}
+
 void System::giveKeyBack() {
     for (auto window = windows.rbegin(); window != windows.rend(); ++window)
         if ((*window)->visible) return (*window)->setKey(true);
@@ -775,6 +952,10 @@ Platform::~Platform() {
 }
 
 std::vector<Window*> Platform::windows() const { return {system_->windows.begin(), system_->windows.end()}; }
+
+std::vector<OpenPanel*> Platform::openPanels() const {
+    return {system_->openPanels.begin(), system_->openPanels.end()};
+}
 
 double Platform::now() const { return static_cast<double>(system_->queues->now()) / kNanoseconds; }
 

@@ -59,8 +59,34 @@ public:
     // "default"; of a label "scrolls".
     virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
     virtual double shownProgress(std::string_view viewName) const = 0; // 0 to 1; -1 while it is not known
-    virtual bool isSheet() const = 0;                                  // over another window at the moment
-    virtual std::vector<std::string> viewNames() const = 0;            // from back to front, superviews first
+    // Of a table: the texts of the rows that are seen, in part too; which rows are marked.
+    virtual std::vector<std::vector<std::string>> visibleRows(std::string_view viewName) const = 0;
+    virtual std::vector<std::size_t> selectedRows(std::string_view viewName) const = 0;
+    // False where the row is not seen.
+    virtual bool clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags = 0) = 0;
+    // Of a table's header.
+    virtual std::vector<std::string> columnTitles(std::string_view viewName) const = 0;
+    virtual std::vector<double> columnWidths(std::string_view viewName) const = 0; // of a table, too
+    virtual void resizeColumn(std::string_view viewName, std::size_t column, double width) = 0;
+    virtual bool isSheet() const = 0;                       // over another window at the moment
+    virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
+};
+
+// A dialog in which the user chooses files or folders, seen from outside.
+class OpenPanel {
+public:
+    virtual ~OpenPanel() = default;
+
+    virtual const std::string& prompt() const = 0;
+    virtual const std::string& folder() const = 0; // that is shown first; empty: the one that was shown last
+    virtual bool choosesFiles() const = 0;
+    virtual bool choosesFolders() const = 0;
+    virtual bool choosesSeveral() const = 0;
+    virtual Window* window() const = 0; // that it is over; null: all of them
+    // The panel goes. Throws std::logic_error when more is chosen than may be, or nothing. The file system is
+    // not looked at.
+    virtual void choose(const std::vector<std::string>& paths) = 0;
+    virtual void cancel() = 0;
 };
 
 struct Options {
@@ -84,6 +110,8 @@ public:
 
     // Windows that are realised, in the order in which they were.
     std::vector<Window*> windows() const;
+
+    std::vector<OpenPanel*> openPanels() const; // that are shown, in the order in which they were
 
     double now() const; // seconds, since an arbitrary moment
     // Lets time pass: blocks of the main queue that become due run, each at its time. Then displays.

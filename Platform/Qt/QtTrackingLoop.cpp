@@ -1,3 +1,4 @@
+#include "QtTable.h"
 #include "QtTrackingLoop.h"
 #include "QtViews.h"
 
@@ -45,6 +46,9 @@ bool QtTrackingLoop::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseMove:
     case QEvent::Wheel:
         if (dynamic_cast<ViewWidget*>(watched)) return false;
+        if (const auto* table = dynamic_cast<TableWidget*>(watched->parent());
+            table && table->viewport() == watched)
+            return false;
         break;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:

@@ -12,14 +12,9 @@
 
 namespace zr::qt {
 
-namespace {
-
-// The widget is on its way out: tell the view, which lets go of its peer.
 void tellGone(port::ViewClient*& client) {
     if (auto* const gone = std::exchange(client, nullptr)) gone->peerGone();
 }
-
-} // namespace
 
 Appearance appearanceOf(const QPalette& palette) {
     // Asked for each paint, and nearly always of the same palette.
@@ -105,15 +100,15 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
     shown_.replay(canvas, part);
 }
 
-// After the window got the event, this widget may be cut off from its view, or its window closed.
-void ViewWidget::offer(QInputEvent& event, InputEvent input, QPointF position) {
+void offer(const QWidget& widget, const std::shared_ptr<WindowLink>& link, QInputEvent& event, InputEvent input,
+           QPointF position) {
     const auto held = link;
-    const QWidget* const parent = parentWidget();
+    const QWidget* const parent = widget.parentWidget();
     event.ignore();
-    const bool offeredBefore = held->declinedFor == this && held->declinedType == event.type();
+    const bool offeredBefore = held->declinedFor == &widget && held->declinedType == event.type();
     held->declinedFor = offeredBefore ? parent : nullptr;
     if (offeredBefore || !held->client || !held->content) return;
-    const QPointF inContent = QPointF(mapTo(held->content, QPoint(0, 0))) + position;
+    const QPointF inContent = QPointF(widget.mapTo(held->content, QPoint(0, 0))) + position;
     input.location = {inContent.x(), inContent.y()};
     if (held->client->peerEvent(input)) {
         event.accept();
@@ -124,12 +119,14 @@ void ViewWidget::offer(QInputEvent& event, InputEvent input, QPointF position) {
 }
 
 void ViewWidget::mouse(QMouseEvent& event) {
-    if (const auto input = inputEvent(event)) offer(event, *input, event.position());
+    if (const auto input = inputEvent(event)) offer(*this, link, event, *input, event.position());
 }
 
-void ViewWidget::wheelEvent(QWheelEvent* event) { offer(*event, inputEvent(*event), event->position()); }
+void ViewWidget::wheelEvent(QWheelEvent* event) {
+    offer(*this, link, *event, inputEvent(*event), event->position());
+}
 
-void ViewWidget::key(QKeyEvent& event) { offer(event, inputEvent(event), {}); }
+void ViewWidget::key(QKeyEvent& event) { offer(*this, link, event, inputEvent(event), {}); }
 
 void ViewWidget::focusInEvent(QFocusEvent*) {
     if (client) client->peerFocusChanged(true);
@@ -324,8 +321,7 @@ void TextFieldWidget::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-// In the kit's own windows Tab goes the kit's way. In a host's window Qt's order leads through all widgets.
-static bool ordersItsTabs(const QWidget& widget) {
+bool ordersItsTabs(const QWidget& widget) {
     return dynamic_cast<const WindowWidget*>(widget.window()) != nullptr;
 }
 

@@ -28,6 +28,15 @@ struct WindowLink {
     QEvent::Type declinedType = QEvent::None;
 };
 
+// Hands what the user did to the window; position: in the widget. Accepts the event when it was taken. After
+// that the widget may be cut off from its view, or its window closed.
+void offer(const QWidget& widget, const std::shared_ptr<WindowLink>& link, QInputEvent& event, InputEvent input,
+           QPointF position);
+// In the kit's own windows Tab goes the kit's way. In a host's window Qt's order leads through all widgets.
+bool ordersItsTabs(const QWidget& widget);
+// The widget is on its way out: tell the view, which lets go of its peer.
+void tellGone(port::ViewClient*& client);
+
 // The widget of a view that draws. It keeps what the view drew: exposing it again does not ask the view, and of
 // a new drawing only what differs from the one on the screen is painted.
 class ViewWidget final : public QWidget {
@@ -58,8 +67,6 @@ protected:
 private:
     void mouse(QMouseEvent& event);
     void key(QKeyEvent& event);
-    void offer(QInputEvent& event, InputEvent input, QPointF position);
-
     QRegion drawAgain();
 
     DisplayList shown_;

@@ -1,5 +1,7 @@
 #include "QtCanvas.h"
 #include "QtDueWork.h"
+#include "QtOpenPanel.h"
+#include "QtTable.h"
 #include "QtTrackingLoop.h"
 #include "QtViews.h"
 #include "QtWindow.h"
@@ -41,8 +43,8 @@ template <class Peer, class Widget, class... Arguments>
 std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments) {
     auto& hasWidget = dynamic_cast<HasWidget&>(parent);
     Widget* widget = nullptr;
-    if constexpr (std::is_same_v<Widget, ViewWidget>)
-        widget = new ViewWidget(hasWidget.anyWidget(), hasWidget.link, arguments...);
+    if constexpr (std::is_constructible_v<Widget, QWidget*, std::shared_ptr<WindowLink>, Arguments&...>)
+        widget = new Widget(hasWidget.anyWidget(), hasWidget.link, arguments...);
     else
         widget = new Widget(hasWidget.anyWidget(), arguments...);
     auto peer = std::make_unique<Peer>(widget);
@@ -122,6 +124,17 @@ std::unique_ptr<port::ButtonPeer> QtWindowSystem::makeButton(port::ViewPeer& par
     return makePeer<ButtonPeer, ButtonWidget>(parent, client, button);
 }
 
+std::unique_ptr<port::TablePeer> QtWindowSystem::makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                                           port::TableClient& table) {
+    return makePeer<TablePeer, TableWidget>(parent, client, table);
+}
+
+std::unique_ptr<port::TableHeaderPeer> QtWindowSystem::makeTableHeader(port::ViewPeer& parent,
+                                                                       port::ViewClient& client,
+                                                                       port::TableHeaderClient& header) {
+    return makePeer<TableHeaderPeer, TableHeaderWidget>(parent, client, header);
+}
+
 Appearance QtWindowSystem::appearance() const { return appearanceOf(QApplication::palette()); }
 
 void QtWindowSystem::setAppearance(std::optional<Appearance> appearance) {
@@ -144,6 +157,13 @@ void QtWindowSystem::stop() { QCoreApplication::exit(0); }
 
 std::unique_ptr<port::TrackingLoop> QtWindowSystem::beginTracking() {
     return std::make_unique<QtTrackingLoop>();
+}
+
+std::unique_ptr<port::OpenPanelPeer> QtWindowSystem::showOpenPanel(const port::OpenPanel& panel,
+                                                                   port::WindowPeer* over,
+                                                                   port::OpenPanelClient& client) {
+    auto* const topLevel = dynamic_cast<TopLevelPeer*>(over);
+    return std::make_unique<OpenPanelPeer>(panel, topLevel ? topLevel->topLevel() : nullptr, client);
 }
 
 bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {

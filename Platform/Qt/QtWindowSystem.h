@@ -33,6 +33,10 @@ public:
                                                        port::TextFieldClient& field) override;
     std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
                                                  port::ButtonClient& button) override;
+    std::unique_ptr<port::TablePeer> makeTable(port::ViewPeer& parent, port::ViewClient& client,
+                                               port::TableClient& table) override;
+    std::unique_ptr<port::TableHeaderPeer> makeTableHeader(port::ViewPeer& parent, port::ViewClient& client,
+                                                           port::TableHeaderClient& header) override;
     Appearance appearance() const override;
     void setAppearance(std::optional<Appearance> appearance) override;
     CGSize screenSize() const override;
@@ -40,6 +44,8 @@ public:
     void run() override;
     void stop() override;
     std::unique_ptr<port::TrackingLoop> beginTracking() override;
+    std::unique_ptr<port::OpenPanelPeer> showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
+                                                       port::OpenPanelClient& client) override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

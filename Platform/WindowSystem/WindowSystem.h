@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // What a window system must offer. An adaptor implements these interfaces and hands the whole to install().
 namespace zr::port {
@@ -39,6 +40,9 @@ public:
                                                          TextFieldClient& field) = 0;
     virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,
                                                    ButtonClient& button) = 0;
+    virtual std::unique_ptr<TablePeer> makeTable(ViewPeer& parent, ViewClient& client, TableClient& table) = 0;
+    virtual std::unique_ptr<TableHeaderPeer> makeTableHeader(ViewPeer& parent, ViewClient& client,
+                                                             TableHeaderClient& header) = 0;
 };
 
 // While it lives, the program waits for input in the middle of handling an event. Input for our views comes to
@@ -55,6 +59,27 @@ public:
     virtual void holdBack(bool holds) = 0;
 };
 
+struct OpenPanel {
+    std::string prompt{}; // what the button that chooses says
+    std::string folder{}; // that is shown first; empty: the one that was shown last
+    bool files = true;    // may be chosen,
+    bool folders = false;
+    bool several = false;
+};
+
+class OpenPanelClient {
+public:
+    virtual ~OpenPanelClient() = default;
+    // Once. Absolute paths in the order in which they are shown; none: it was cancelled, or its window hidden.
+    virtual void peerChose(const std::vector<std::string>& paths) = 0;
+};
+
+// Goes from the screen when it is destroyed.
+class OpenPanelPeer {
+public:
+    virtual ~OpenPanelPeer() = default;
+};
+
 class WindowSystem : public Graphics, public PeerFactory {
 public:
     virtual Appearance appearance() const = 0;
@@ -64,6 +89,9 @@ public:
     virtual void run() = 0;                 // until stop()
     virtual void stop() = 0;
     virtual std::unique_ptr<TrackingLoop> beginTracking() = 0;
+    // In front of the window, which gets no input meanwhile, or of all windows. Returns at once.
+    virtual std::unique_ptr<OpenPanelPeer> showOpenPanel(const OpenPanel& panel, WindowPeer* over,
+                                                         OpenPanelClient& client) = 0;
 };
 
 // The portable side, as adaptors see it.

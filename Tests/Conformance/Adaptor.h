@@ -18,7 +18,7 @@
 namespace zr::conformance {
 
 enum class Button { left, right, other };
-enum class Key { a, b, space, escape };
+enum class Key { a, b, space, escape, up, down, tab };
 
 struct Modifiers {
     unsigned flags = 0;

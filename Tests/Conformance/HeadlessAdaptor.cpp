@@ -55,6 +55,15 @@ public:
         case Key::escape:
             real(window).keyDown(kKeyCodeEscape, "\x1b");
             break;
+        case Key::up:
+            real(window).keyDown(kKeyCodeUp);
+            break;
+        case Key::down:
+            real(window).keyDown(kKeyCodeDown);
+            break;
+        case Key::tab:
+            real(window).keyDown(kKeyCodeTab, "\t");
+            break;
         }
     }
     void resize(NSWindow& window, NSSize size) override { real(window).resizeByUser(size); }

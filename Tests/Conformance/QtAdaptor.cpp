@@ -61,7 +61,8 @@ public:
         QCoreApplication::sendEvent(handle(window), &event);
     }
     void type(NSWindow& window, Key key) override {
-        constexpr std::array keys = {Qt::Key_A, Qt::Key_B, Qt::Key_Space, Qt::Key_Escape};
+        constexpr std::array keys = {Qt::Key_A,  Qt::Key_B,    Qt::Key_Space, Qt::Key_Escape,
+                                     Qt::Key_Up, Qt::Key_Down, Qt::Key_Tab};
         QTest::keyClick(handle(window), keys.at(static_cast<std::size_t>(key)));
     }
     void resize(NSWindow& window, NSSize size) override {

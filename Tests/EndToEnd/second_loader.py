@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""GNUstep's NSNib opens every interface file of the kit, and finds every outlet and action in it."""
+"""GNUstep's NSNib opens every interface file of the kit, and one with a table, and finds every outlet and action in it."""
 
 import collections
 import copy
@@ -15,10 +15,20 @@ from desktop import DEADLINE, Desktop
 
 HERE = pathlib.Path(__file__).resolve().parent
 ASSETS = HERE.parent.parent / "Assets"
+FILES = {path.name: path for folder in (ASSETS, HERE.parent / "Support/InterfaceFiles") for path in folder.rglob("*.xib")}
 
 # What the kit counts on in a file, by class: (the one that has it, its name, the one that it leads to).
 Contract = collections.namedtuple("Contract", "owner outlets actions attributes")
 CONTRACTS = {
+    "FolderList.xib": Contract(
+        owner="FolderList",
+        outlets={("FolderList", "view", "NSView"),
+                 ("FolderList", "tableView", "NSTableView"),
+                 ("FolderList", "busy", "NSProgressIndicator"),
+                 ("NSTableView", "dataSource", "FolderList"),
+                 ("NSTableView", "delegate", "FolderList")},
+        actions=set(),
+        attributes=set()),
     "ZRLoadingWndCtl.xib": Contract(
         owner="ZRLoadingWndCtl",
         outlets={("ZRLoadingWndCtl", "window", "NSWindow"),
@@ -101,16 +111,16 @@ class SecondLoader(unittest.TestCase):
         return changed
 
     def test_each_interface_file_keeps_its_contract(self):
-        self.assertEqual({path.name for path in ASSETS.rglob("*.xib")}, set(CONTRACTS))
+        self.assertEqual(set(FILES), set(CONTRACTS))
         for name, contract in CONTRACTS.items():
             with self.subTest(name):
-                self.assertEqual(self.problems(ASSETS / name, contract), [])
-                unchanged = self.changed(ASSETS / name, lambda root: None)
+                self.assertEqual(self.problems(FILES[name], contract), [])
+                unchanged = self.changed(FILES[name], lambda root: None)
                 self.assertEqual(self.problems(unchanged, contract), [])
 
     def test_each_outlet_and_action_is_missed_when_it_is_gone_or_misnamed(self):
         for name, contract in CONTRACTS.items():
-            root = xml.parse(ASSETS / name).getroot()
+            root = xml.parse(FILES[name]).getroot()
             for tag, key in (("outlet", "property"), ("action", "selector")):
                 for place, element in enumerate(root.iter(tag)):
                     word = element.get(key)
@@ -124,7 +134,7 @@ class SecondLoader(unittest.TestCase):
 
                     for change in (misname, remove):
                         with self.subTest(f"{name}: {change.__name__} {word}"):
-                            found = self.problems(self.changed(ASSETS / name, change), contract)
+                            found = self.problems(self.changed(FILES[name], change), contract)
                             self.assertTrue(any(f"'{word}'" in problem and problem.endswith("missing") for problem in found),
                                             found)
 
@@ -153,11 +163,21 @@ class SecondLoader(unittest.TestCase):
                                (name_another_owner, "the owner is"), (name_an_unknown_class, "not opened"),
                                (set_an_attribute, "attribute ('toolTip', 'Stop') is not expected")):
             with self.subTest(change.__name__):
-                found = self.problems(self.changed(ASSETS / name, change), CONTRACTS[name])
+                found = self.problems(self.changed(FILES[name], change), CONTRACTS[name])
                 self.assertTrue(any(notice in problem for problem in found), found)
 
+    def test_the_table_stands_in_its_scroll_view_with_its_columns(self):
+        opened, errors = self.open(FILES["FolderList.xib"], "FolderList")
+        self.assertIsNotNone(opened, errors)
+        table = next(item for item in opened["objects"] if item["class"] == "NSTableView")
+        self.assertEqual([column[:2] for column in table["columns"]], [["folder", "Folder"], ["state", "State"]])
+        self.assertEqual(table["columns"][0][2], 240)  # the last one is fitted
+        clip = opened["objects"][table["superview"]]
+        self.assertEqual(clip["class"], "NSClipView")
+        self.assertEqual(opened["objects"][clip["superview"]]["class"], "NSScrollView")
+
     def test_the_progress_sheet_reads_from_the_top_within_its_margins(self):
-        opened, errors = self.open(ASSETS / "ZRLoadingWndCtl.xib", "ZRLoadingWndCtl")
+        opened, errors = self.open(FILES["ZRLoadingWndCtl.xib"], "ZRLoadingWndCtl")
         self.assertIsNotNone(opened, errors)
         parts = {outlet["name"]: opened["objects"][outlet["to"]] for outlet in opened["outlets"]}
         _, _, width, top = opened["objects"][parts["btnCancel"]["superview"]]["frame"]

@@ -29,6 +29,19 @@
 @implementation MASPreferencesWindowController
 @end
 
+@interface FolderList : NSObject
+{
+  NSView *view;
+  NSTableView *tableView;
+  NSProgressIndicator *busy;
+}
+@end
+
+@implementation FolderList
+- (NSInteger) numberOfRowsInTableView: (NSTableView *)table { return 0; }
+- (id) tableView: (NSTableView *)table objectValueForTableColumn: (NSTableColumn *)column row: (NSInteger)row { return @""; }
+@end
+
 static NSMutableArray *objects;    // the owner first
 static NSMutableArray *attributes; // user-defined ones, in the order of the file
 
@@ -120,6 +133,16 @@ static NSString *titleOf(id object)
   return nil;
 }
 
+// Identifier, title and width of each.
+static NSArray *columnsOf(NSTableView *table)
+{
+  NSMutableArray *columns = [NSMutableArray array];
+  for (NSTableColumn *column in [table tableColumns])
+    [columns addObject: [NSArray arrayWithObjects: [column identifier], [[column headerCell] stringValue],
+      [NSNumber numberWithDouble: [column width]], nil]];
+  return columns;
+}
+
 static NSDictionary *describe(id object)
 {
   NSMutableDictionary *description = [NSMutableDictionary dictionary];
@@ -138,6 +161,8 @@ static NSDictionary *describe(id object)
       [description setObject: place([object superview]) forKey: @"superview"];
       [description setObject: [NSNumber numberWithUnsignedInteger: [object autoresizingMask]] forKey: @"autoresizingMask"];
     }
+  if ([object isKindOfClass: [NSTableView class]])
+    [description setObject: columnsOf(object) forKey: @"columns"];
   return description;
 }
 

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <AppKit/NSView.h>
+
+namespace zr {
+
+class NSTableHeaderView;
+
+enum NSBorderType : unsigned { NSNoBorder = 0, NSLineBorder = 1, NSBezelBorder = 2, NSGrooveBorder = 3 };
+
+// What is seen of a document. The document fills it, and scrolls itself.
+class NSClipView : public NSView {
+public:
+    ZR_CLASS(NSClipView, NSView)
+    bool isFlipped() const override { return documentView_ && documentView_->isFlipped(); }
+    const std::shared_ptr<NSView>& documentView() const { return documentView_; }
+    void setDocumentView(const std::shared_ptr<NSView>& view); // becomes its rearmost subview
+    void resizeSubviewsWithOldSize(const NSSize& oldSize) override;
+
+private:
+    std::shared_ptr<NSView> documentView_;
+};
+
+// A frame around a document that scrolls itself, such as a table, whose header it shows above. There is nothing
+// here to scroll other views with.
+class NSScrollView : public NSView {
+public:
+    ZR_CLASS(NSScrollView, NSView)
+
+    bool initWithFrame(const NSRect& frame) override;
+    bool initWithCoder(NSCoder& coder) override; // with its border
+
+    bool isFlipped() const override { return true; }
+    const std::shared_ptr<NSClipView>& contentView() const { return contentView_; }
+    void setContentView(const std::shared_ptr<NSClipView>& view); // with the document that it has
+    const std::shared_ptr<NSView>& documentView() const { return contentView_->documentView(); }
+    void setDocumentView(const std::shared_ptr<NSView>& view);
+    NSBorderType borderType() const { return borderType_; } // none at first
+    void setBorderType(NSBorderType type);                  // all kinds are a line
+
+    void tile(); // places header and document
+    void resizeSubviewsWithOldSize(const NSSize&) override { tile(); }
+    void drawRect(const NSRect& dirty) override;
+
+private:
+    std::shared_ptr<NSClipView> contentView_;
+    std::shared_ptr<NSTableHeaderView> headerView_;
+    NSBorderType borderType_ = NSNoBorder;
+};
+
+} // namespace zr
