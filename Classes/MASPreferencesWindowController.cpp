@@ -210,7 +210,7 @@ std::uint64_t MASPreferencesWindowController::indexOfSelectedController() const 
 
 void MASPreferencesWindowController::clearResponderChain() {
     const auto window = this->window();
-    const auto next = retained(window->nextResponder());
+    const auto next = retained(window ? window->nextResponder() : nullptr);
     if (!next || std::ranges::find(viewControllers_, std::shared_ptr<NSObject>(next)) == viewControllers_.end())
         return;
     window->setNextResponder(next->nextResponder());
@@ -219,8 +219,8 @@ void MASPreferencesWindowController::clearResponderChain() {
 
 void MASPreferencesWindowController::patchResponderChain() {
     clearResponderChain();
-    if (!selectedViewController_) return;
     const auto window = this->window();
+    if (!selectedViewController_ || !window) return;
     const auto after = retained(window->nextResponder());
     window->setNextResponder(selectedViewController_.get());
     selectedViewController_->setNextResponder(after.get());

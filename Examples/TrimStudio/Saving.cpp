@@ -4,6 +4,8 @@
 #include <ZRUIKit/KitFoundation.h>
 
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace trimstudio {
@@ -87,6 +89,13 @@ void Saving::abandon() {
 }
 
 void Saving::ended(const Outcome<Trimmed>& outcome) {
+    if (isCancelled() && outcome) {
+        // It was done before it heard of it; nobody has been told of the file.
+        std::error_code ignored;
+        std::filesystem::remove(outcome.value().path, ignored);
+        ended(Failure{"cancelled"});
+        return;
+    }
     if (std::exchange(ended_, true)) return;
     const std::uint64_t seen = dispatch_time(DISPATCH_TIME_NOW, 0) - shownAt_;
     const double left = kGlance - static_cast<double>(seen) / static_cast<double>(NSEC_PER_SEC);

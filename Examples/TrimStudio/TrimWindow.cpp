@@ -333,7 +333,7 @@ void TrimWindow::realStartFound(int request, double asked, double found) {
 }
 
 void TrimWindow::saveTrimmed(NSObject*) {
-    if (!file_ || isSaving() || findingStart_) return;
+    if (!file_ || saving_ || findingStart_) return;
     saved_.reset();
     notice_.clear();
     // The handles leave five milliseconds, also of a file that is shorter.
@@ -357,7 +357,8 @@ void TrimWindow::saveTrimmed(NSObject*) {
 }
 
 void TrimWindow::saveEnded(const Outcome<Trimmed>& outcome) {
-    const bool wasCancelled = std::exchange(saving_, nullptr)->isCancelled();
+    const auto ended = std::exchange(saving_, nullptr);
+    const bool wasCancelled = ended && ended->isCancelled();
     if (outcome) {
         saved_ = outcome.value().path.string();
         setStatus(stringWithFormat(AppLocalizedString("Saved “%@”, %@ long."),
@@ -372,7 +373,7 @@ void TrimWindow::saveEnded(const Outcome<Trimmed>& outcome) {
 }
 
 bool TrimWindow::mayStopSaving() {
-    if (!isSaving()) return true;
+    if (!isSaving() || saving_->isCancelled()) return true;
     if (asksToStop_) return false;
     const auto held = retained(this);
     asksToStop_ = true;

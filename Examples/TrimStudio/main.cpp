@@ -65,14 +65,18 @@ public:
     bool mustEnd = false;
 };
 
-// The end of a session, a closed terminal and Ctrl+C in it come as signals: the program quits in order, but
-// there may be nobody to answer questions. Must be called before there are threads, so that none of them gets
-// the signals.
-void quitOnSignals(const std::shared_ptr<Quitter>& quitter) {
+// The end of a session, a closed terminal and Ctrl+C in it come as signals. To be called before there are
+// threads, so that none of them gets them.
+sigset_t holdSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+// The program quits in order, but there may be nobody to answer questions.
+void quitOnSignals(const sigset_t& signals, const std::shared_ptr<Quitter>& quitter) {
     std::thread([signals, quitter = std::weak_ptr(quitter)] {
         for (int signal = 0; sigwait(&signals, &signal) == 0;)
             zr::dispatch_async(zr::dispatch_get_main_queue(), [quitter] {
@@ -99,7 +103,7 @@ std::shared_ptr<zr::NSMenu> mainMenu() {
 
 int main(int argc, char** argv) {
     const auto quitter = std::make_shared<Quitter>();
-    quitOnSignals(quitter);
+    const sigset_t signals = holdSignals();
     const zr::qt::Application qt(argc, argv);
     const Arguments arguments = readArguments(argc, argv);
     if (!arguments.valid) {
@@ -108,6 +112,7 @@ int main(int argc, char** argv) {
     }
     auto& application = zr::NSApplication::sharedApplication();
     application.setDelegate(quitter);
+    quitOnSignals(signals, quitter);
     application.setMainMenu(mainMenu());
     if (arguments.appearance) application.setAppearance(arguments.appearance);
 

@@ -167,7 +167,7 @@ int NSApplication::runModal(const std::shared_ptr<NSWindow>& window, const std::
                             const std::function<bool()>& isShown) {
     const auto held = retained(this);
     if (terminating_) return NSModalResponseAbort;
-    // A view that follows the pointer does not get its release any more.
+    // A view that follows the pointer gets no more of it.
     const auto windows = windows_;
     for (const auto& each : windows) each->pressesEnd();
     // What is being handled now rests until the session has ended: input within it is handled at once.

@@ -32,8 +32,15 @@ bool NSMenuItem::perform() {
 bool NSMenuItem::isPressedBy(const NSEvent& event) const {
     constexpr unsigned kShortcutFlags =
         NSEventModifierFlagCommand | NSEventModifierFlagOption | NSEventModifierFlagControl;
-    return !keyEquivalent_.empty() && event.charactersIgnoringModifiers() == keyEquivalent_ &&
-           (event.modifierFlags() & kShortcutFlags) == keyEquivalentModifierMask_;
+    // Shift counts where it is asked for: what else it makes of a key is in the characters.
+    const unsigned shift = keyEquivalentModifierMask_ & NSEventModifierFlagShift;
+    const auto lowered = [&](std::string characters) {
+        if (shift != 0 && characters.size() == 1 && characters[0] >= 'A' && characters[0] <= 'Z')
+            characters[0] = static_cast<char>(characters[0] + ('a' - 'A'));
+        return characters;
+    };
+    return !keyEquivalent_.empty() && lowered(event.charactersIgnoringModifiers()) == lowered(keyEquivalent_) &&
+           (event.modifierFlags() & (kShortcutFlags | shift)) == keyEquivalentModifierMask_;
 }
 
 bool NSMenu::initWithTitle(const std::string& title) {

@@ -107,6 +107,8 @@ bool NSWindow::initWithForeignPeer(const PeerMaker& makePeer, const std::shared_
     setContentView(content);
     client_ = std::make_unique<Client>(*this);
     peer_ = makePeer(*client_);
+    const CGPoint topLeft = peer_->frameTopLeft();
+    topLeft_ = {topLeft.x, NSScreen::mainScreen().frame().size.height - topLeft.y};
     contentView_->realiseAsContent(installation()->windowSystem, *peer_);
     return true;
 }
@@ -200,7 +202,7 @@ NSRect NSWindow::frameRectForContentRect(const NSRect& content) const {
 }
 
 void NSWindow::placePeer() {
-    if (peer_ && placed_ && !foreign_)
+    if (peer_ && placed_)
         peer_->setFrameTopLeft({topLeft_.x, NSScreen::mainScreen().frame().size.height - topLeft_.y});
 }
 
@@ -266,6 +268,9 @@ void NSWindow::showModal() {
 
 void NSWindow::showAsSheet(NSWindow* parent) {
     if (!installation()) return;
+    // A second sheet stands over the first.
+    while (parent && parent->attachedSheet()) parent = parent->attachedSheet();
+    if (parent == this) return;
     wasShown();
     if (!peer_) realise();
     isSheet_ = true;
@@ -285,20 +290,28 @@ void NSWindow::endSheet() {
     if (peer_) peer_->endSheet();
 }
 
+// A view that is pressed gets its release now, unless it, or another, is handling an event: then none.
 void NSWindow::pressesEnd() {
-    if (!leftPressed_.expired()) pressWasEnded_ = true;
+    const auto held = retained(this);
+    const auto left = leftPressed_.lock();
+    if (left) pressWasEnded_ = true;
     for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) pressed->reset();
     cancelTracking();
+    if (!left || NSApplication::sharedApplication().eventsInHand_ != 0) return;
+    InputEvent release;
+    release.type = NSEventTypeLeftMouseUp;
+    release.location = {lastPress_.x, contentSize_.height - lastPress_.y};
+    left->mouseUp(NSEvent(release, contentSize_.height));
 }
 
 void NSWindow::wasShown() {
     NSApplication::sharedApplication().windowWasShown(*this);
     // Lay out first, realise late: no view is ever seen at a wrong place.
     contentView_->layoutSubtreeIfNeeded();
-    const bool first = !std::exchange(open_, true);
+    open_ = true;
     visible_ = true;
-    if (auto* const view = initialFirstResponder(); first && view && firstResponder() == this)
-        makeFirstResponder(view);
+    auto* const view = initialFirstResponder();
+    if (!std::exchange(wasEverShown_, true) && view && firstResponder() == this) makeFirstResponder(view);
 }
 
 void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
@@ -339,7 +352,8 @@ void NSWindow::wasClosed() {
     cancelTracking();
     if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
     visible_ = false;
-    if (const auto sheet = attachedSheet_.lock()) sheet->orderOut(nullptr);
+    if (const auto sheet = attachedSheet_.lock()) sheet->close();
+    endSheet();
     keyChanged(false);
     if (!foreign_) unrealise();
     open_ = false;
@@ -566,6 +580,7 @@ void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) 
         pressed = retained(viewAt(event.locationInWindow()));
         pressWasEnded_ = false;
     }
+    if (&pressed == &leftPressed_) lastPress_ = event.locationInWindow();
     const auto view = pressed.lock();
     if (phase == Phase::release) pressed.reset();
     if (!view) return;

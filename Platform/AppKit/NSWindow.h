@@ -196,6 +196,7 @@ private:
     std::string title_;
     NSPoint topLeft_; // of the frame
     bool placed_ = false;
+    bool wasEverShown_ = false;
     bool showsResizeIndicator_ = true;
     std::shared_ptr<NSToolbar> toolbar_;
     NSSize contentSize_;
@@ -218,6 +219,7 @@ private:
     bool isPanel_ = false; // comes and goes by itself, and is no reason to quit, or to go on
     std::weak_ptr<NSWindow> attachedSheet_, sheetParent_;
     std::weak_ptr<NSView> initialFirstResponder_;
+    NSPoint lastPress_;          // where the left button was last seen down
     bool pressWasEnded_ = false; // by something else than the release
     bool updateScheduled_ = false;
     unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up

@@ -1,10 +1,24 @@
 #include "InputBlock.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QEvent>
 #include <QWindow>
 
 namespace zr::qt {
+
+namespace {
+
+// The widget that a shortcut belongs to; one of the whole application, too.
+QObject* ownerOf(QObject* shortcut) {
+    const auto* const action = qobject_cast<QAction*>(shortcut);
+    if (!action) return shortcut->parent();
+    for (QObject* const object : action->associatedObjects())
+        if (object->isWidgetType()) return object;
+    return action->parent();
+}
+
+} // namespace
 
 InputBlock::InputBlock(QWidget* blocked, QWidget* sheet) : blocked_(blocked), sheet_(sheet) {
     qApp->installEventFilter(this);
@@ -47,6 +61,8 @@ bool InputBlock::eventFilter(QObject* watched, QEvent* event) {
         if (!blocks(watched)) return false;
         activateSheet();
         return true;
+    case QEvent::Shortcut:
+        return blocks(ownerOf(watched));
     case QEvent::ShortcutOverride:
         if (!blocks(watched)) return false;
         event->accept(); // so that it does not become a shortcut

@@ -263,6 +263,14 @@ void WindowPeer::endSheet() {
     if (widget_->sheetParent) widget_->sheetParent->removeEventFilter(widget_);
     QWidget* const parent = std::exchange(widget_->sheetParent, nullptr);
     widget_->parentBlock.reset();
+    if (!parent && widget_->windowModality() != Qt::NonModal) {
+        // Qt takes a window's modality back only while it is hidden.
+        const bool visible = widget_->isVisible();
+        widget_->hide();
+        widget_->setWindowModality(Qt::NonModal);
+        if (visible) show(false);
+        return;
+    }
     if (parent && widget_->isActiveWindow()) parent->activateWindow();
 }
 

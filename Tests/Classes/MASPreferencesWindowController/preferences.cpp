@@ -335,7 +335,7 @@ TEST_F(PreferencesWindow, ASavedSizeThatIsNoneIsTheLeast) {
     EXPECT_EQ(window_->contentSize(), NSMakeSize(400, 300));
 }
 
-TEST_F(PreferencesWindow, ASavedOriginMovesTheViewNotTheWindow) {
+TEST_F(PreferencesWindow, ASavedOriginMovesTheWindowSideways) {
     store("MASPreferences A Frame", "{{7, 9}, {420, 310}}");
     open({b_, a_});
     const double before = top(), left = window_->frame().origin.x;

@@ -237,6 +237,34 @@ TEST_F(WindowsThatSave, ASaveThatFailsSettlesTheQuestionAndIsTold) {
     EXPECT_THAT(message(), testing::HasSubstr("take.wav"));
 }
 
+TEST_F(WindowsThatSave, WhoHasCancelledIsNotAskedAgain) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    sheet()->keyDown(kKeyCodeEscape, kEscapeCharacter);
+    EXPECT_TRUE(window_->mayStopSaving());
+    EXPECT_FALSE(platform_.starved());
+}
+
+TEST_F(WindowsThatSave, ADiscardThatComesWhenTheFileIsDoneRemovesIt) {
+    window_->saveTrimmed(nullptr);
+    platform_.runGlobalQueue(); // its answer is still on the way
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "take-trimmed.wav"));
+    platform_.script([] { answer("Discard"); });
+    EXPECT_TRUE(user_->closeByUser());
+    platform_.runUntilIdle();
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav"));
+}
+
+TEST_F(WindowsThatSave, ACancelThatComesWhenTheFileIsDoneRemovesIt) {
+    window_->saveTrimmed(nullptr);
+    platform_.advance(0.3);
+    platform_.runGlobalQueue();
+    sheet()->keyDown(kKeyCodeEscape, kEscapeCharacter);
+    platform_.runUntilIdle();
+    EXPECT_EQ(message(), "Saving was cancelled. Nothing was written.");
+    EXPECT_THAT(files(), UnorderedElementsAre("take.wav"));
+}
+
 TEST_F(WindowsThatSave, QuittingAsksWhetherToStop) {
     EXPECT_TRUE(window_->mayStopSaving()) << "there is nothing to ask";
     window_->saveTrimmed(nullptr);

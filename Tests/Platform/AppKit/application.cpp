@@ -104,6 +104,37 @@ TEST_F(Applications, AWindowThatIsAskedToCloseIsAskedUnderItsSheetToo) {
     EXPECT_FALSE(over->isSheet());
 }
 
+TEST_F(Applications, ASecondSheetStandsOverTheFirst) {
+    show(probe("root", NSMakeRect(0, 0, 200, 100)));
+    const auto first = sheet(), second = sheet();
+    beginSheet(*first);
+    beginSheet(*second);
+    EXPECT_EQ(window_->attachedSheet(), first.get());
+    EXPECT_EQ(first->attachedSheet(), second.get());
+    second->close();
+    EXPECT_FALSE(second->isSheet());
+    EXPECT_EQ(first->attachedSheet(), nullptr) << "a sheet that closes ends";
+    EXPECT_EQ(window_->attachedSheet(), first.get());
+    beginSheet(*second);
+    window_->close();
+    EXPECT_FALSE(first->isVisible());
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_THAT(application().windows(), testing::IsEmpty());
+}
+
+TEST_F(Applications, AViewThatFollowsThePointerGetsItsReleaseWhenASheetComesByItself) {
+    const auto root = probe("root", NSMakeRect(0, 0, 200, 100));
+    show(root);
+    user_->mouseDown({20, 30});
+    user_->mouseDragged({50, 60});
+    root->taken();
+    const auto over = sheet();
+    beginSheet(*over);
+    EXPECT_THAT(root->taken(), ElementsAre("up 50 60"));
+    user_->mouseUp({90, 90});
+    EXPECT_THAT(root->taken(), testing::IsEmpty()) << "once";
+}
+
 TEST_F(Applications, ASheetThatWasOrderedOutDoesNotKeepTheApplication) {
     show(probe("root", NSMakeRect(0, 0, 200, 100)));
     const auto answers = std::make_shared<Answers>();
@@ -151,6 +182,12 @@ TEST_F(Menus, AKeyEquivalentSendsTheActionAlongTheResponderChain) {
     EXPECT_TRUE(type("w", NSEventModifierFlagCommand | NSEventModifierFlagOption));
     EXPECT_THAT(view_->log, ElementsAre("open", "close"));
     EXPECT_FALSE(type("n")) << "an action that nobody takes leaves the key to others";
+    open_->setKeyEquivalentModifierMask(NSEventModifierFlagCommand | NSEventModifierFlagShift);
+    EXPECT_FALSE(type("o"));
+    EXPECT_TRUE(type("O", NSEventModifierFlagCommand | NSEventModifierFlagShift));
+    open_->setKeyEquivalentModifierMask(NSEventModifierFlagCommand);
+    EXPECT_EQ(view_->log.size(), 3u);
+    view_->log.pop_back();
     open_->setEnabled(false);
     EXPECT_FALSE(type("o"));
     EXPECT_THAT(view_->log, ElementsAre("open", "close"));
