@@ -76,6 +76,7 @@ Json panel(const NSWindow* window) {
     const auto& content = *window->contentView();
     const NSSize size = content.bounds().size;
     Json result = {{"size", {size.width * pixelsPerPoint(content), size.height * pixelsPerPoint(content)}},
+                   {"key", window->isKeyWindow()},
                    {"texts", Json::array()},
                    {"buttons", Json::array()}};
     collect(content, content, result);

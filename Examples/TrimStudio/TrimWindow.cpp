@@ -39,6 +39,9 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
     const auto describe = [weak] {
         if (const auto self = weak.lock()) self->describeSoon();
     };
+    if (describes) // sheets and alerts, too, may be typed into from then on
+        keyWindowObserver_ = NSNotificationCenter::defaultCenter().addObserverForName_object_usingBlock(
+            NSWindowDidBecomeKeyNotification, nullptr, [describe](const NSNotification&) { describe(); });
     editor_->startField()->setDelegate(this);
     editor_->lengthField()->setDelegate(this);
     editor_->slider()->setDidDraw(describe);

@@ -103,6 +103,7 @@ private:
     bool asksToStop_ = false;
     bool failed_ = false;
     bool describes_ = false;
+    std::shared_ptr<zr::NSObject> keyWindowObserver_;
     bool descriptionPosted_ = false;
 };
 

@@ -646,11 +646,10 @@ void NSWindow::keyChanged(bool key) {
     if (key == key_) return;
     key_ = key;
     const auto delegate = this->delegate();
-    if (!delegate) return;
-    if (key)
-        delegate->windowDidBecomeKey(*this);
-    else
-        delegate->windowDidResignKey(*this);
+    if (delegate && !key) delegate->windowDidResignKey(*this);
+    if (!key) return;
+    if (delegate) delegate->windowDidBecomeKey(*this);
+    NSNotificationCenter::defaultCenter().postNotificationName_object(NSWindowDidBecomeKeyNotification, this);
 }
 
 void NSWindow::appearanceChanged() {

@@ -32,6 +32,7 @@ enum NSBackingStoreType { NSBackingStoreBuffered = 2 };
 // Posted by windows, about themselves.
 inline const NSNotificationName NSWindowDidMoveNotification = "NSWindowDidMoveNotification";
 inline const NSNotificationName NSWindowDidResizeNotification = "NSWindowDidResizeNotification";
+inline const NSNotificationName NSWindowDidBecomeKeyNotification = "NSWindowDidBecomeKeyNotification";
 
 class NSWindowDelegate {
 public:

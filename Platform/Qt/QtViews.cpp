@@ -102,7 +102,8 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
 
 void offer(const QWidget& widget, const std::shared_ptr<WindowLink>& link, QInputEvent& event, InputEvent input,
            QPointF position) {
-    const auto held = link;
+    // The widget, and its link with it, may go meanwhile.
+    const auto held = link; // NOLINT(performance-unnecessary-copy-initialization)
     const QWidget* const parent = widget.parentWidget();
     event.ignore();
     const bool offeredBefore = held->declinedFor == &widget && held->declinedType == event.type();

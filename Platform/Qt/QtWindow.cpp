@@ -288,20 +288,22 @@ void WindowPeer::setTitle(const std::string& title) {
     if (widget_) widget_->setWindowTitle(QString::fromStdString(title));
 }
 
+// A resize reaches the client at once, which may let go of this peer. The widget is there until the event loop
+// runs.
 CGSize WindowPeer::setContentSize(CGSize size) {
-    const QPointer<WindowWidget> widget = widget_;
+    WindowWidget* const widget = widget_.data();
     if (!widget) return size;
     const QSize whole = wholeSize(size) + QSize(0, widget->barHeight());
     if (resizable_) {
         const QSize now = widget->size();
         limit(now.boundedTo(whole), now.expandedTo(whole));
-        if (widget) widget->resize(whole);
-        if (!widget || !widget->link->client) return size; // nor is this peer there any more
+        widget->resize(whole);
+        if (!widget->link->client) return size;
         limit(whole, whole);
     } else {
         widget->setFixedSize(whole);
     }
-    return widget ? sizeOf(widget->size() - QSize(0, widget->barHeight())) : size;
+    return sizeOf(widget->size() - QSize(0, widget->barHeight()));
 }
 
 void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
@@ -312,11 +314,11 @@ void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
 
 // Qt would resize the window, now or later, to what it is limited to: limits are for the user alone.
 void WindowPeer::limit(QSize smallest, QSize largest) {
-    const QPointer<WindowWidget> widget = widget_;
+    WindowWidget* const widget = widget_.data();
     if (!widget || !resizable_) return;
     const QSize bar(0, widget->barHeight()), unlimited(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     widget->setMinimumSize((wholeSize(minimum_) + bar).boundedTo(smallest));
-    if (widget) widget->setMaximumSize((wholeSize(maximum_) + bar).boundedTo(unlimited).expandedTo(largest));
+    widget->setMaximumSize((wholeSize(maximum_) + bar).boundedTo(unlimited).expandedTo(largest));
 }
 
 void WindowPeer::scheduleUpdate() {

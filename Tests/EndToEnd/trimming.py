@@ -306,7 +306,7 @@ class Playing(DragsOfThePosition, TrimmingTest):
     def split(self, studio, answer=None):
         studio.wait("the button", lambda d: d["views"]["splitButton"]["enabled"])
         studio.click("splitButton")
-        shown = studio.wait("the question", lambda d: d["alert"])["alert"]
+        shown = studio.wait("the question", lambda d: d["alert"] and d["alert"]["key"])["alert"]
         self.assertEqual([button["title"] for button in shown["buttons"]], ["Keep Before", "Keep After", "Cancel"])
         if answer:
             studio.click_in("alert", answer)
@@ -358,7 +358,7 @@ class Endings:
             studio.click("saveButton")
             studio.wait("saving", lambda d: d["message"] == "Saving…")
             studio.ask_to_close()
-            asked = studio.wait("the question", lambda d: d["alert"])["alert"]
+            asked = studio.wait("the question", lambda d: d["alert"] and d["alert"]["key"])["alert"]
             self.assertEqual(asked["texts"][0], "“take.mp4” is still being saved.")
             self.assertEqual([button["title"] for button in asked["buttons"]], ["Cancel", "Discard"])
             self.desktop.pointer("key", "Escape")
@@ -395,12 +395,12 @@ class Saving(Endings, TrimmingTest):
         self.addCleanup(hold.close)
         hold.enter_context(background_work_held(studio.process))
         studio.click("saveButton")
-        sheet = studio.wait("the sheet", lambda d: d["sheet"])["sheet"]
+        sheet = studio.wait("the sheet", lambda d: d["sheet"] and d["sheet"]["key"])["sheet"]
         self.assertEqual(sheet["texts"][0], "Saving “take.mp4”")
         return studio, hold.close
 
     def wait_for_question(self, studio):
-        return studio.wait("the question", lambda d: d["alert"])["alert"]
+        return studio.wait("the question", lambda d: d["alert"] and d["alert"]["key"])["alert"]
 
     def wait_for_no_question(self, studio):
         studio.wait("the end of the question", lambda d: not d["alert"])

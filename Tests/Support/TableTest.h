@@ -44,7 +44,7 @@ public:
 // A table in a scroll view, with columns of 100 points each; the last one fills what is left.
 inline std::shared_ptr<NSScrollView> scrolledTable(const NSRect& frame, const std::shared_ptr<Rows>& rows,
                                                    const std::vector<std::string>& columns = {"a"}) {
-    const auto scroll = make<NSScrollView>(frame);
+    auto scroll = make<NSScrollView>(frame);
     const auto table = make<NSTableView>(NSRect{});
     table->setIdentifier("table");
     table->headerView()->setIdentifier("header");
