@@ -127,6 +127,7 @@ std::shared_ptr<HostState> makeState(Host host) {
     state->preferredLanguages = host.preferredLanguages ? *host.preferredLanguages : environmentLanguages();
     state->notificationCenter = make<NSNotificationCenter>();
     state->userDefaultsFile = host.userDefaults ? *host.userDefaults : defaultUserDefaults();
+    state->portal = std::move(host.portal);
     return state;
 }
 

@@ -21,6 +21,7 @@ struct HostState {
     std::vector<std::string> preferredLanguages;
     std::shared_ptr<NSNotificationCenter> notificationCenter;
     std::filesystem::path userDefaultsFile; // empty: none
+    std::shared_ptr<Portal> portal;         // null outside of a sandbox
     std::mutex lock;
     std::shared_ptr<NSUserDefaults> userDefaults; // made when it is first asked for; guarded by lock
 };

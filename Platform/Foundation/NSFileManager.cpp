@@ -1,3 +1,5 @@
+#include "FileQuestions.h"
+
 #include <Foundation/NSFileManager.h>
 
 #include <unistd.h>
@@ -5,7 +7,11 @@
 namespace zr {
 
 namespace {
-bool isPath(const std::string& path) { return path.find('\0') == std::string::npos; }
+bool isAccessible(const std::string& path, int mode) {
+    if (path.find('\0') != std::string::npos) return false;
+    return FileQuestions::shared().ask<bool>(path, [path, mode] { return access(path.c_str(), mode) == 0; }) ==
+           true;
+}
 } // namespace
 
 ZR_CLASS_TABLE(NSFileManager)
@@ -15,12 +21,8 @@ NSFileManager& NSFileManager::defaultManager() {
     return **manager;
 }
 
-bool NSFileManager::fileExistsAtPath(const std::string& path) const {
-    return isPath(path) && access(path.c_str(), F_OK) == 0;
-}
+bool NSFileManager::fileExistsAtPath(const std::string& path) const { return isAccessible(path, F_OK); }
 
-bool NSFileManager::isWritableFileAtPath(const std::string& path) const {
-    return isPath(path) && access(path.c_str(), W_OK) == 0;
-}
+bool NSFileManager::isWritableFileAtPath(const std::string& path) const { return isAccessible(path, W_OK); }
 
 } // namespace zr

@@ -7,8 +7,8 @@
 namespace zr {
 
 // Questions to the file system, each answered as it is at that moment. Links are followed, "~" is an ordinary
-// name, and no path is an item's that has the character zero in it. From any thread; may take as long as the
-// file system does.
+// name, and no path is an item's that has the character zero in it. A file system that does not answer within
+// two seconds has nothing. From any thread.
 class NSFileManager : public NSObject {
 public:
     ZR_CLASS(NSFileManager, NSObject)

@@ -18,4 +18,6 @@ void GlobalFun::getHour_minite_second_withTime(std::int32_t& hour, std::int32_t&
     second = static_cast<std::int32_t>(std::fmod(rest, kSecondsPerMinute));
 }
 
+std::optional<NSData> GlobalFun::BookmarkDataForURL(const NSURL& url) { return url.bookmarkData(); }
+
 } // namespace zr

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <Foundation/NSURL.h>
+
 #include <cstdint>
+#include <optional>
 
 namespace zr {
 
@@ -12,6 +15,10 @@ public:
     // Hours stay within their range; what is no number gives 0.
     static void getHour_minite_second_withTime(std::int32_t& hour, std::int32_t& minute, std::int32_t& second,
                                                double seconds);
+
+    // Data, made with security scope, by which later runs of the program find the item again; nothing where it
+    // cannot be told from others, or is not there.
+    static std::optional<NSData> BookmarkDataForURL(const NSURL& url);
 };
 
 } // namespace zr

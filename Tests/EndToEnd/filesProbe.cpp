@@ -8,8 +8,12 @@
 //   files_probe FILE calls              prints the calls that matter while it writes once
 //   files_probe FILE exit KEY VALUE     sets, and leaves the program by exit()
 //   files_probe FILE look PATH          prints whether it is there, and whether it is writable
+//   files_probe FILE bookmark PATH...   prints the data of a bookmark of each
+//   files_probe FILE resolve DATA...    prints for each where it leads and whether it is stale, or the error's
+//   code files_probe FILE hold DATA...       the same, and holds them until its input ends
 
 #include <Foundation/NSFileManager.h>
+#include <Foundation/NSURL.h>
 #include <Foundation/NSUserDefaults.h>
 #include <FoundationBackends/Host.h>
 
@@ -148,15 +152,53 @@ int look(NSUserDefaults&, Words words) {
     return 0;
 }
 
+// Data are told as two digits a byte, and the lack of data as "none".
+int bookmark(NSUserDefaults&, Words words) {
+    for (const char* path : words) {
+        const auto data = zr::NSURL::fileURLWithPath(path).bookmarkData();
+        for (const int byte : data.value_or(NSData())) std::printf("%02x", static_cast<unsigned>(byte));
+        std::puts(data ? "" : "none");
+    }
+    return 0;
+}
+
+int resolve(NSUserDefaults&, Words words) {
+    for (const std::string text : words) {
+        NSData data;
+        for (std::size_t i = 0; i + 1 < text.size(); i += 2)
+            data.push_back(static_cast<std::uint8_t>(std::stoi(text.substr(i, 2), nullptr, 16)));
+        bool isStale = false;
+        std::optional<zr::NSError> error;
+        const auto url = zr::NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
+            data, zr::NSURLBookmarkResolutionWithSecurityScope, std::nullopt, &isStale, &error);
+        if (url && url->startAccessingSecurityScopedResource())
+            std::printf("%s%s\n", url->path().c_str(), isStale ? " (stale)" : "");
+        else
+            std::printf("error %ld\n", error ? error->code : 0);
+    }
+    return 0;
+}
+
+int hold(NSUserDefaults& defaults, Words words) {
+    resolve(defaults, words);
+    std::fflush(stdout);
+    return std::getchar() == EOF ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    constexpr auto kAny = std::numeric_limits<std::size_t>::max();
     const std::map<std::string_view, std::pair<int (*)(NSUserDefaults&, Words), std::size_t>> verbs = {
-        {"loop", {&loop, 0}},   {"write", {&write, 3}}, {"types", {&types, 0}}, {"set", {&set, 2}},
-        {"calls", {&calls, 0}}, {"exit", {&leave, 2}},  {"look", {&look, 1}}};
+        {"loop", {&loop, 0}},   {"write", {&write, 3}},          {"types", {&types, 0}},
+        {"set", {&set, 2}},     {"calls", {&calls, 0}},          {"exit", {&leave, 2}},
+        {"look", {&look, 1}},   {"bookmark", {&bookmark, kAny}}, {"resolve", {&resolve, kAny}},
+        {"hold", {&hold, kAny}}};
     const Words words(argv, static_cast<std::size_t>(argc));
     const auto verb = argc < 3 ? verbs.end() : verbs.find(argv[2]);
-    if (verb == verbs.end() || words.size() != verb->second.second + 3) return 2;
+    if (verb == verbs.end()) return 2;
+    const auto wanted = verb->second.second;
+    if (wanted != kAny && words.size() != wanted + 3) return 2;
     zr::backend::Host host;
     host.userDefaults = argv[1];
     zr::backend::install(std::move(host));

@@ -24,6 +24,15 @@ public:
     virtual bool isMainThread() const = 0;
 };
 
+// The documents that the user has handed to a sandboxed program.
+class Portal {
+public:
+    virtual ~Portal() = default;
+    // The folder in which each document lies, in a folder named by its id; nothing while the portal does not
+    // answer. From any thread; ends within two seconds.
+    virtual std::optional<std::string> documentsFolder() = 0;
+};
+
 struct Host {
     std::shared_ptr<Queues> queues;
     // Folder of the application's resources; by default share/NAME beside the folder of the executable NAME.
@@ -33,6 +42,7 @@ struct Host {
     // File of the user defaults; by default NAME.plist in the user's configuration folder. Empty: none, they
     // are kept in memory.
     std::optional<std::filesystem::path> userDefaults{};
+    std::shared_ptr<Portal> portal{}; // null outside of a sandbox
 };
 
 void install(Host host);

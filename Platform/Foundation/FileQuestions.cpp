@@ -1,0 +1,174 @@
+#include "FileQuestions.h"
+
+#include <algorithm>
+#include <array>
+#include <condition_variable>
+#include <cstdlib>
+#include <map>
+#include <system_error>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
+#include <unistd.h>
+
+namespace zr {
+
+namespace {
+
+// File systems that answer from this machine's own memory or disks. Every other one is doubtful.
+constexpr std::array<std::string_view, 41> kOwnFileSystems = {
+    "bcachefs", "binfmt_misc", "bpf",     "btrfs",    "cgroup",   "cgroup2",    "configfs",
+    "cramfs",   "debugfs",     "devpts",  "devtmpfs", "efivarfs", "erofs",      "exfat",
+    "ext2",     "ext3",        "ext4",    "f2fs",     "fusectl",  "hfsplus",    "hugetlbfs",
+    "iso9660",  "jfs",         "mqueue",  "nilfs2",   "nsfs",     "ntfs3",      "overlay",
+    "proc",     "pstore",      "ramfs",   "reiserfs", "rootfs",   "securityfs", "squashfs",
+    "sysfs",    "tmpfs",       "tracefs", "udf",      "vfat",     "xfs",
+};
+
+// Threads that may be left behind at the same time. While they all are, no question is asked that needs one.
+constexpr std::size_t kMostLost = 4;
+
+// "\040" is a blank, and so on.
+std::string unescaped(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\' || i + 3 >= text.size()) {
+            plain += text[i];
+            continue;
+        }
+        plain += static_cast<char>(std::strtol(std::string(text.substr(i + 1, 3)).c_str(), nullptr, 8));
+        i += 3;
+    }
+    return plain;
+}
+
+std::string wholeText(int file) {
+    std::string text;
+    std::array<char, 16384> part{};
+    if (lseek(file, 0, SEEK_SET) != 0) return text;
+    for (;;) {
+        const ssize_t count = read(file, part.data(), part.size());
+        if (count <= 0) return text;
+        text.append(part.data(), static_cast<std::size_t>(count));
+    }
+}
+
+// A line is "36 35 98:0 /root /mount/point options [more options...] - type source options".
+std::optional<std::string> doubtfulPlace(std::string_view line) {
+    std::vector<std::string_view> words;
+    while (!line.empty()) {
+        const auto blank = std::min(line.find(' '), line.size());
+        words.push_back(line.substr(0, blank));
+        line.remove_prefix(std::min(line.size(), blank + 1));
+    }
+    const auto dash = std::ranges::find(words, std::string_view("-"));
+    if (words.size() < 5 || words[4].starts_with("/proc/") || words[4].starts_with("/sys/"))
+        return std::nullopt;
+    if (dash == words.end() || dash + 1 == words.end()) return std::nullopt;
+    static_assert(std::ranges::is_sorted(kOwnFileSystems));
+    if (std::ranges::binary_search(kOwnFileSystems, *(dash + 1))) return std::nullopt;
+    return unescaped(words[4]);
+}
+
+bool liesIn(std::string_view path, std::string_view place) {
+    if (place == "/") return true;
+    return path.starts_with(place) && (path.size() == place.size() || path[place.size()] == '/');
+}
+
+} // namespace
+
+MountTable::MountTable(const char* file) : file_(open(file, O_RDONLY | O_CLOEXEC)) {}
+
+MountTable::~MountTable() {
+    if (file_ >= 0) close(file_);
+}
+
+const std::vector<std::string>& MountTable::doubtfulPlaces() {
+    if (file_ < 0) return places_;
+    // The kernel tells by an error condition that the table has changed since it was read.
+    pollfd change{file_, POLLPRI, 0};
+    if (isRead_ && poll(&change, 1, 0) == 0) return places_;
+    isRead_ = true;
+    places_.clear();
+    const std::string text = wholeText(file_);
+    for (std::string_view rest = text; !rest.empty();) {
+        const auto end = std::min(rest.find('\n'), rest.size());
+        if (auto place = doubtfulPlace(rest.substr(0, end))) places_.push_back(std::move(*place));
+        rest.remove_prefix(std::min(rest.size(), end + 1));
+    }
+    return places_;
+}
+
+// The threads that were left behind; they give themselves back when they are answered after all.
+struct FileQuestions::Lost {
+    std::mutex lock;
+    std::map<std::string, std::size_t> countAt; // guarded by lock, like the sum
+    std::size_t count = 0;
+
+    bool mayAsk(const std::string& place) {
+        const std::lock_guard guard(lock);
+        return count < kMostLost && (place.empty() || !countAt.contains(place));
+    }
+    void add(const std::string& place) {
+        const std::lock_guard guard(lock);
+        ++countAt[place];
+        ++count;
+    }
+    void remove(const std::string& place) {
+        const std::lock_guard guard(lock);
+        if (--countAt[place] == 0) countAt.erase(place);
+        --count;
+    }
+};
+
+FileQuestions::FileQuestions(std::chrono::milliseconds patience, const char* mountTable)
+    : patience_(patience), mounts_(mountTable), lost_(std::make_shared<Lost>()) {}
+
+// Leaked on purpose: threads may ask until the process is gone.
+FileQuestions& FileQuestions::shared() {
+    static auto* const questions = new FileQuestions;
+    return *questions;
+}
+
+std::optional<std::string> FileQuestions::doubt(std::string_view path) {
+    const std::lock_guard guard(lock_);
+    const auto& places = mounts_.doubtfulPlaces();
+    if (places.empty()) return std::nullopt;
+    std::string_view innermost;
+    for (const auto& place : places)
+        if (liesIn(path, place) && place.size() > innermost.size()) innermost = place;
+    return std::string(innermost);
+}
+
+bool FileQuestions::askElsewhere(const std::string& place, std::function<void()> question) {
+    struct Wait {
+        std::mutex lock;
+        std::condition_variable changed;
+        bool isAnswered = false; // guarded by lock, like isLost
+        bool isLost = false;
+    };
+    if (!lost_->mayAsk(place)) return false;
+    const auto wait = std::make_shared<Wait>();
+    try {
+        std::thread([wait, lost = lost_, place, question = std::move(question)]() mutable {
+            pthread_setname_np(pthread_self(), "ZRUIKit files");
+            question();
+            question = nullptr;
+            const std::lock_guard guard(wait->lock);
+            wait->isAnswered = true;
+            if (wait->isLost) lost->remove(place);
+            wait->changed.notify_one();
+        }).detach();
+    } catch (const std::system_error&) {
+        return false; // no thread to be had
+    }
+    std::unique_lock guard(wait->lock);
+    if (wait->changed.wait_for(guard, patience_, [&] { return wait->isAnswered; })) return true;
+    wait->isLost = true;
+    lost_->add(place);
+    return false;
+}
+
+} // namespace zr

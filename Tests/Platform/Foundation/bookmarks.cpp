@@ -1,0 +1,319 @@
+#include "Support/TemporaryFolder.h"
+
+#include <Foundation/NSURL.h>
+#include <FoundationBackends/Host.h>
+#include <HostLibraries/GlobalFun.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+
+namespace zr {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Resolved {
+    std::optional<NSURL> url;
+    bool isStale = false;
+    std::optional<NSError> error;
+
+    std::string path() const { return url ? url->path() : "none"; }
+    long code() const { return error ? error->code : 0; }
+};
+
+Resolved resolve(const NSData& data, unsigned long options = NSURLBookmarkResolutionWithSecurityScope) {
+    Resolved resolved;
+    resolved.isStale = true; // has to be answered
+    resolved.error = NSError{"before", 1, ""};
+    resolved.url = NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
+        data, options, std::nullopt, &resolved.isStale, &resolved.error);
+    return resolved;
+}
+
+class Bookmarks : public testing::Test {
+protected:
+    std::string make(const std::string& name) const {
+        fs::create_directories(folder.path() / name);
+        return at(name);
+    }
+    std::string at(const std::string& name) const { return (folder.path() / name).string(); }
+    static NSData bookmark(const std::string& path) {
+        auto data = GlobalFun::BookmarkDataForURL(NSURL::fileURLWithPath(path));
+        if (!data) throw std::runtime_error("no bookmark of " + path);
+        return *data;
+    }
+
+    const test::TemporaryFolder folder;
+};
+
+TEST_F(Bookmarks, LeadBackToAFolder) {
+    const std::string path = make("a folder/日本 ü");
+    const Resolved found = resolve(bookmark(path));
+    EXPECT_EQ(found.path(), path);
+    EXPECT_EQ(found.url->absoluteString().back(), '/');
+    EXPECT_FALSE(found.isStale);
+    EXPECT_EQ(found.error, std::nullopt);
+}
+
+TEST_F(Bookmarks, LeadBackToAFile) {
+    const std::string path = folder.write("file", "text");
+    const Resolved found = resolve(bookmark(path));
+    EXPECT_EQ(found.path(), path);
+    EXPECT_NE(found.url->absoluteString().back(), '/');
+}
+
+TEST_F(Bookmarks, LeadToTheRootOfAllFolders) {
+    EXPECT_EQ(resolve(bookmark("/")).url->absoluteString(), "file:///");
+}
+
+TEST_F(Bookmarks, AreMadeWithoutASlashAtTheEnd) {
+    const std::string path = make("folder");
+    EXPECT_EQ(bookmark(path + "/"), bookmark(path));
+}
+
+TEST_F(Bookmarks, AnswerWithoutPlacesForStaleAndError) {
+    const auto data = bookmark(make("folder"));
+    EXPECT_TRUE(NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
+        data, 0, std::nullopt, nullptr, nullptr));
+    EXPECT_FALSE(NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
+        {}, 0, std::nullopt, nullptr, nullptr));
+}
+
+TEST_F(Bookmarks, AreNotMadeOfWhatIsNotThere) {
+    std::optional<NSError> error;
+    EXPECT_EQ(NSURL::fileURLWithPath(at("nothing")).bookmarkData(&error), std::nullopt);
+    EXPECT_EQ(error->code, NSFileReadNoSuchFileError);
+    EXPECT_EQ(error->domain, "NSCocoaErrorDomain");
+    EXPECT_THAT(error->localizedDescription, testing::HasSubstr(at("nothing")));
+    fs::create_symlink("nowhere", folder.path() / "link");
+    EXPECT_EQ(NSURL::fileURLWithPath(at("link")).bookmarkData(&error), std::nullopt);
+    EXPECT_EQ(NSURL::fileURLWithPath(std::string("/\0", 2)).bookmarkData(&error), std::nullopt);
+}
+
+// Neither handles nor times of birth.
+TEST_F(Bookmarks, AreNotMadeOfWhatNobodyCanTellFromOthers) {
+    std::optional<NSError> error;
+    EXPECT_EQ(NSURL::fileURLWithPath("/proc/self/task").bookmarkData(&error), std::nullopt);
+    EXPECT_EQ(error->code, NSFileReadUnknownError);
+}
+
+TEST_F(Bookmarks, TellThePathAtWhichTheyWereMade) {
+    const std::string path = make("folder");
+    const auto data = bookmark(path);
+    fs::rename(path, at("moved"));
+    const PropertyList::Dictionary wanted = {{"_NSURLPathKey", path}};
+    EXPECT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({NSURLPathKey}, data), wanted);
+    EXPECT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({"other", NSURLPathKey, "more"}, data), wanted);
+    EXPECT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({"other"}, data), PropertyList::Dictionary());
+    EXPECT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({}, data), PropertyList::Dictionary());
+    EXPECT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({NSURLPathKey}, {1, 2, 3}), std::nullopt);
+}
+
+TEST_F(Bookmarks, OfAMovedFolderAreStaleAndLeadToItsPlace) {
+    const std::string path = make("folder");
+    const auto data = bookmark(path);
+    fs::rename(path, at("renamed"));
+    Resolved found = resolve(data);
+    EXPECT_EQ(found.path(), at("renamed"));
+    EXPECT_TRUE(found.isStale);
+    EXPECT_EQ(found.error, std::nullopt);
+
+    make("deep/er");
+    fs::rename(at("renamed"), at("deep/er/folder"));
+    fs::rename(at("deep"), at("deeper"));
+    EXPECT_EQ(resolve(data).path(), at("deeper/er/folder"));
+
+    fs::rename(at("deeper/er/folder"), path);
+    EXPECT_FALSE(resolve(data).isStale);
+}
+
+TEST_F(Bookmarks, FollowAFolderWhosePlaceAnotherTook) {
+    const std::string path = make("folder");
+    const auto data = bookmark(path);
+    fs::rename(path, at("moved"));
+    make("folder");
+    EXPECT_EQ(resolve(data).path(), at("moved"));
+    EXPECT_TRUE(resolve(data).isStale);
+}
+
+TEST_F(Bookmarks, OfARemovedFolderLeadNowhere) {
+    const std::string path = make("folder");
+    const auto data = bookmark(path);
+    fs::remove(path);
+    const Resolved found = resolve(data);
+    EXPECT_EQ(found.path(), "none");
+    EXPECT_FALSE(found.isStale);
+    EXPECT_EQ(found.code(), NSFileReadNoSuchFileError);
+}
+
+// The file system likes to give the number of what was removed to what comes next.
+TEST_F(Bookmarks, NeverLeadToAnotherOfTheSameName) {
+    for (int time = 0; time < 50; ++time) {
+        const std::string path = make("folder");
+        const auto data = bookmark(path);
+        fs::remove(path);
+        make("folder");
+        const Resolved found = resolve(data);
+        ASSERT_EQ(found.path(), "none");
+        ASSERT_FALSE(found.isStale);
+        ASSERT_EQ(found.code(), NSFileReadUnknownError);
+        fs::remove(path);
+    }
+}
+
+TEST_F(Bookmarks, FollowLinksAsLongAsTheyLeadToTheSame) {
+    make("one");
+    make("two");
+    fs::create_directory_symlink("one", folder.path() / "link");
+    const auto data = bookmark(at("link"));
+    EXPECT_EQ(resolve(data).path(), at("link"));
+    EXPECT_FALSE(resolve(data).isStale);
+    fs::remove(at("link"));
+    fs::create_directory_symlink("two", folder.path() / "link");
+    EXPECT_EQ(resolve(data).path(), at("one"));
+    EXPECT_TRUE(resolve(data).isStale);
+    fs::remove(at("one"));
+    EXPECT_EQ(resolve(data).path(), "none");
+}
+
+TEST_F(Bookmarks, OfALinkThatLeadsNowhereFail) {
+    make("one");
+    fs::create_directory_symlink("one", folder.path() / "link");
+    const auto data = bookmark(at("link"));
+    fs::remove(at("one"));
+    EXPECT_EQ(resolve(data).code(), NSFileReadNoSuchFileError);
+}
+
+TEST_F(Bookmarks, FailWhenAnyByteWasChanged) {
+    const auto whole = bookmark(make("folder"));
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        for (const int bits : {0x01, 0x80, 0xFF}) {
+            auto changed = whole;
+            changed[i] = static_cast<std::uint8_t>(changed[i] ^ bits);
+            ASSERT_EQ(resolve(changed).code(), NSFileReadCorruptFileError) << i;
+            ASSERT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({NSURLPathKey}, changed), std::nullopt);
+        }
+    }
+}
+
+TEST_F(Bookmarks, FailWhenTheyAreTooShortOrTooLong) {
+    auto data = bookmark(make("folder"));
+    for (std::size_t length = 0; length < data.size(); ++length)
+        ASSERT_EQ(resolve({data.begin(), data.begin() + static_cast<std::ptrdiff_t>(length)}).code(),
+                  NSFileReadCorruptFileError);
+    data.push_back(0);
+    EXPECT_EQ(resolve(data).code(), NSFileReadCorruptFileError);
+}
+
+TEST_F(Bookmarks, FailOfRandomBytes) {
+    std::mt19937 random(1);
+    const auto whole = bookmark(make("folder"));
+    for (int time = 0; time < 2000; ++time) {
+        NSData bytes(random() % 200);
+        for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random());
+        if (time % 2) std::copy_n(whole.begin(), std::min<std::size_t>(8, bytes.size()), bytes.begin());
+        ASSERT_EQ(resolve(bytes).code(), NSFileReadCorruptFileError);
+    }
+}
+
+TEST_F(Bookmarks, GiveScopeOnlyWhereItIsAskedFor) {
+    const auto data = bookmark(make("folder"));
+    EXPECT_TRUE(resolve(data).url->startAccessingSecurityScopedResource());
+    EXPECT_FALSE(resolve(data, 0).url->startAccessingSecurityScopedResource());
+    EXPECT_FALSE(NSURL::fileURLWithPath(at("folder")).startAccessingSecurityScopedResource());
+    EXPECT_EQ(*resolve(data).url, NSURL::fileURLWithPath(at("folder")));
+}
+
+std::size_t openFiles() {
+    const fs::directory_iterator all("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+TEST_F(Bookmarks, HoldNotMoreThanAQuarterOfTheFilesThatMayBeOpen) {
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const std::size_t before = openFiles();
+    const std::size_t most = std::min<std::size_t>(limit.rlim_cur / 4, 4096);
+    std::vector<NSData> all;
+    for (std::size_t i = 0; i < most + 50; ++i) all.push_back(bookmark(make(std::to_string(i))));
+    EXPECT_LE(openFiles(), before + most);
+    fs::rename(at(std::to_string(most + 49)), at("last"));
+    EXPECT_EQ(resolve(all.back()).path(), at("last"));
+    fs::rename(at("0"), at("first")); // whose handle has gone
+    EXPECT_EQ(resolve(all.front()).code(), NSFileReadNoSuchFileError);
+}
+
+// Documents of a sandbox
+
+class StandInPortal : public backend::Portal {
+public:
+    explicit StandInPortal(std::optional<std::string> folder) : folder_(std::move(folder)) {}
+    std::optional<std::string> documentsFolder() override { return folder_; }
+
+private:
+    std::optional<std::string> folder_;
+};
+
+class Documents : public Bookmarks {
+protected:
+    ~Documents() override { backend::uninstall(); }
+    void sandbox(std::optional<std::string> documents) {
+        backend::Host host;
+        host.userDefaults = "";
+        host.portal = std::make_shared<StandInPortal>(std::move(documents));
+        backend::install(std::move(host));
+    }
+};
+
+TEST_F(Documents, AreKnownByTheirId) {
+    sandbox(at("doc"));
+    const std::string path = make("doc/a1b2/folder/inner");
+    const auto data = bookmark(path);
+    Resolved found = resolve(data);
+    EXPECT_EQ(found.path(), path);
+    EXPECT_FALSE(found.isStale);
+    EXPECT_TRUE(found.url->startAccessingSecurityScopedResource());
+
+    // The portal makes its folder anew at every start: nothing about it is the same but the ids.
+    fs::remove_all(at("doc"));
+    EXPECT_EQ(resolve(data).code(), NSFileReadNoSuchFileError);
+    make("doc/a1b2/folder/inner");
+    EXPECT_FALSE(resolve(data).isStale);
+
+    fs::rename(at("doc"), at("other"));
+    sandbox(at("other"));
+    found = resolve(data);
+    EXPECT_EQ(found.path(), at("other/a1b2/folder/inner"));
+    EXPECT_TRUE(found.isStale);
+    EXPECT_EQ(NSURL::resourceValuesForKeys_fromBookmarkData({NSURLPathKey}, data)->at(NSURLPathKey), path);
+}
+
+TEST_F(Documents, AreOutOfReachWithoutThePortal) {
+    sandbox(at("doc"));
+    make("doc/a1b2/folder");
+    const auto data = bookmark(at("doc/a1b2/folder"));
+    sandbox(std::nullopt);
+    EXPECT_EQ(resolve(data).code(), NSFileReadUnknownError);
+    backend::uninstall();
+    EXPECT_EQ(resolve(data).code(), NSFileReadUnknownError);
+}
+
+TEST_F(Documents, AreOnlyThoseInTheirFolder) {
+    sandbox(at("doc"));
+    const auto data = bookmark(make("documents/a1b2"));
+    fs::rename(at("documents"), at("moved"));
+    EXPECT_EQ(resolve(data).path(), at("moved/a1b2")); // known by itself
+}
+
+} // namespace
+
+} // namespace zr
