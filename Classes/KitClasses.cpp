@@ -21,6 +21,7 @@
 #include <AppKit/NSWindowController.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSNull.h>
+#include <Foundation/NSRunLoop.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/MASPreferencesWindowController.h>
 #include <ZRUIKit/ProgressSliderView.h>
@@ -29,6 +30,7 @@
 #include <ZRUIKit/SplitSliderView.h>
 #include <ZRUIKit/ZRAlert.h>
 #include <ZRUIKit/ZRLoadingWndCtl.h>
+#include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 #include <array>
 
@@ -39,6 +41,8 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSObject::classTable(),
         &NSBundle::classTable(),
         &NSNull::classTable(),
+        &NSPort::classTable(),
+        &NSRunLoop::classTable(),
         &NSResponder::classTable(),
         &NSAlert::classTable(),
         &NSApplication::classTable(),
@@ -60,6 +64,7 @@ std::span<const ClassTable* const> kitClassTables() {
         &ZRAlert::classTable(),
         &ZRLoadingWndCtl::classTable(),
         &MASPreferencesWindowController::classTable(),
+        &ZRTrustedPathViewCtl::classTable(),
         &NSProgressIndicator::classTable(),
         &NSImageView::classTable(),
         &NSMenu::classTable(),

@@ -159,10 +159,9 @@ void NSAlert::layOut() {
         ok->setKeyEquivalent(kReturnCharacter);
         shown.push_back(ok);
     }
-    const auto cancels = [cancel = localized("Cancel")](const auto& button) {
-        return button->title() == cancel;
-    };
-    const auto cancel = std::ranges::find_if(shown, cancels);
+    const auto hasEscape = [](const auto& button) { return button->keyEquivalent() == kEscapeCharacter; };
+    auto cancel = std::ranges::find_if(shown, hasEscape);
+    if (cancel == shown.end()) cancel = std::ranges::find(shown, localized("Cancel"), &NSButton::title);
     closing_->escape = cancel == shown.end() ? nullptr : *cancel;
 
     const NSSize screen = NSScreen::mainScreen().frame().size;

@@ -28,7 +28,8 @@ enum : int {
 };
 
 // A question with any number of buttons. The first one stands at the trailing end and is pressed by Return; one
-// whose title is the application's "Cancel" is pressed by Escape and by closing the alert. A text too tall for
+// whose title is the application's "Cancel", or whose key is Escape, is pressed by both Escape and closing the
+// alert. A text too tall for
 // the screen scrolls. May be run again. Main thread only.
 class NSAlert : public NSObject {
 public:

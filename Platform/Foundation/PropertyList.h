@@ -50,6 +50,9 @@ public:
         return std::get_if<T>(&value_);
     }
 
+    // For the log: text as it is, a dictionary or array on a line for each element.
+    std::string description() const;
+
     // What keeps it from being stored; null when nothing does. Text must be UTF-8 without the character zero.
     const char* fault() const { return faultAtDepth(1); }
 
@@ -57,6 +60,7 @@ public:
 
 private:
     const char* faultAtDepth(int depth) const;
+    std::string descriptionAtDepth(std::size_t depth) const;
 
     Value value_;
 };
