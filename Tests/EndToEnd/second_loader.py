@@ -38,6 +38,18 @@ CONTRACTS = {
                  ("ZRLoadingWndCtl", "btnCancel", "NSButton")},
         actions={("NSButton", "cancelDown:", "ZRLoadingWndCtl")},
         attributes=set()),
+    "ZRTrustedPathViewCtl.xib": Contract(
+        owner="ZRTrustedPathViewCtl",
+        outlets={("ZRTrustedPathViewCtl", "view", "NSView"),
+                 ("ZRTrustedPathViewCtl", "tableView", "NSTableView"),
+                 ("ZRTrustedPathViewCtl", "loadingBgView", "NSView"),
+                 ("ZRTrustedPathViewCtl", "loadingIndicator", "NSProgressIndicator"),
+                 ("ZRTrustedPathViewCtl", "lblLoadingTips", "NSTextField"),
+                 ("ZRTrustedPathViewCtl", "lblLoadingPath", "NSTextField")},
+        actions={("NSButton", "addFolderDown:", "ZRTrustedPathViewCtl"),
+                 ("NSButton", "removeFolderDown:", "ZRTrustedPathViewCtl"),
+                 ("NSButton", "loadingCancelClick:", "ZRTrustedPathViewCtl")},
+        attributes=set()),
     "MASPreferencesWindow.xib": Contract(
         owner="MASPreferencesWindowController",
         outlets={("MASPreferencesWindowController", "window", "NSWindow"),

@@ -29,6 +29,23 @@
 @implementation MASPreferencesWindowController
 @end
 
+@interface ZRTrustedPathViewCtl : NSObject
+{
+  NSView *view;
+  NSTableView *tableView;
+  NSView *loadingBgView;
+  NSProgressIndicator *loadingIndicator;
+  NSTextField *lblLoadingTips;
+  NSTextField *lblLoadingPath;
+}
+@end
+
+@implementation ZRTrustedPathViewCtl
+- (void) addFolderDown: (id)sender {}
+- (void) removeFolderDown: (id)sender {}
+- (void) loadingCancelClick: (id)sender {}
+@end
+
 @interface FolderList : NSObject
 {
   NSView *view;
