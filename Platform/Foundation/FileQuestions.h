@@ -48,7 +48,7 @@ public:
         if (!place) return question();
         const auto answer = std::make_shared<std::optional<Answer>>();
         const bool came =
-            askElsewhere(*place, [answer, question = std::move(question)] { answer->emplace(question()); });
+            askElsewhere(*place, [answer, question = std::move(question)] { *answer = question(); });
         if (!came) return std::nullopt;
         return std::move(*answer);
     }

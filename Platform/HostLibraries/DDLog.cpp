@@ -32,6 +32,11 @@ void DDLog::addLogger(const std::shared_ptr<DDLogger>& logger, int level) {
     log().loggers.emplace_back(logger, level);
 }
 
+bool DDLog::hasLoggers() {
+    const std::lock_guard guard(log().lock);
+    return !log().loggers.empty();
+}
+
 void DDLog::removeAllLoggers() {
     decltype(Log::loggers) removed; // go after the locks: they may log
     const std::lock_guard handling(log().handling);

@@ -50,8 +50,9 @@ public:
     virtual void logMessage(const DDLogMessage& message) = 0;
 };
 
-// The log. Records go to every logger whose level has their flag, one at a time and in order; without loggers
-// they go nowhere. From any thread, loggers included: what a logger logs is handled after the record it has.
+// The log. Records go to every logger whose level has their flag, one at a time and in order; while there are
+// no loggers they are not even made. From any thread, loggers included: what a logger logs is handled after the
+// record it has.
 class DDLog {
 public:
     static void addLogger(const std::shared_ptr<DDLogger>& logger, int level = DDLogLevelAll);
@@ -65,6 +66,7 @@ public:
     static void log_level_flag_context_file_function_line_tag_format(
         bool asynchronous, int level, int flag, int context, const char* file, const char* function, int line,
         const std::shared_ptr<NSObject>& tag, std::string_view format, const Arguments&... arguments) {
+        if (!hasLoggers()) return;
         DDLogMessage message;
         message.message = stringWithFormat(format, arguments...);
         message.format = std::string(format);
@@ -80,6 +82,7 @@ public:
     }
 
 private:
+    static bool hasLoggers();
     static void queueMessage(DDLogMessage message);
 };
 
