@@ -200,7 +200,8 @@ path=
 
 
 class TrimStudio:
-    """A running TrimStudio, and what one of its windows describes of itself: that of the file it follows, else any."""
+    """A running TrimStudio, and what one of its windows describes of itself: that of the file it follows, else any.
+    The preferences are described beside that."""
 
     def __init__(self, desktop, program, *arguments, wrapper=(), environment=None):
         self.desktop = desktop
@@ -208,6 +209,7 @@ class TrimStudio:
         self.last = None
         self.followed = None
         self.described = None
+        self.preferences = None
         self.history = []
         self.window = None
         self.offset = (0, 0)
@@ -250,7 +252,11 @@ class TrimStudio:
     def newest(self):
         with contextlib.suppress(queue.Empty):
             while True:
-                self.history.append(self.lines.get_nowait())
+                line = self.lines.get_nowait()
+                if "preferences" in line:
+                    self.preferences = line["preferences"]
+                    continue
+                self.history.append(line)
                 if self.followed in (None, self.history[-1]["file"]):
                     self.described = self.history[-1]
         return self._placed()
@@ -288,6 +294,17 @@ class TrimStudio:
         if found:
             self.window, self.offset = found
         return found is not None
+
+    def wait_for_preferences(self, what, condition):
+        """What is described of the preferences, once the condition holds for that."""
+        def check():
+            self.newest()
+            return condition(self.preferences)
+        try:
+            wait_until(what, check)
+        except Timeout as timeout:
+            raise Timeout(f"{timeout}; last: {self.preferences}; errors: {''.join(self.errors)}") from None
+        return self.preferences
 
     def slider(self):
         return self.newest()["views"]["splitSlider"]
