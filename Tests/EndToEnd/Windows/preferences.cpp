@@ -9,7 +9,6 @@ namespace trimstudio {
 using namespace zr;
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::IsEmpty;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
