@@ -79,11 +79,6 @@ MenuBar::MenuBar(QWidget* window, const std::vector<port::MenuItem>& items) : QM
 
 void MenuBar::openFirst() { setActiveAction(actions().value(0)); }
 
-void MenuBar::closeMenus() {
-    for (auto* const menu : findChildren<QMenu*>()) menu->close();
-    leave();
-}
-
 // The keyboard goes back to whoever had it.
 void MenuBar::leave() {
     QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);

@@ -15,7 +15,6 @@ public:
     MenuBar(QWidget* window, const std::vector<port::MenuItem>& items);
 
     void openFirst();
-    void closeMenus();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -174,7 +174,6 @@ bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::WindowBlocked && watched->isWindowType()) {
         auto* const widget =
             dynamic_cast<WindowWidget*>(QWidget::find(static_cast<QWindow*>(watched)->winId()));
-        if (widget && widget->menuBar) widget->menuBar->closeMenus();
         if (widget && widget->client) widget->client->peerBlocked();
     }
     return false;
