@@ -62,7 +62,8 @@ void collect(const NSView& view, const NSView& content, Json& into) {
         into["buttons"].push_back({{"title", button->title()},
                                    {"rect",
                                     {rect.origin.x * scale, (NSMaxY(content.bounds()) - NSMaxY(rect)) * scale,
-                                     rect.size.width * scale, rect.size.height * scale}}});
+                                     rect.size.width * scale, rect.size.height * scale}},
+                                   {"enabled", button->isEnabled()}});
     } else if (const auto* const label = dynamic_cast<const NSTextField*>(&view)) {
         into["texts"].push_back(label->stringValue());
     } else if (const auto* const bar = dynamic_cast<const NSProgressIndicator*>(&view)) {
@@ -85,7 +86,20 @@ Json panel(const NSWindow* window) {
 
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(nullptr); }
 
+// File names may be any bytes.
+std::string line(const Json& value) { return value.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
 } // namespace
+
+std::string describePreferences(const NSWindow& window, const std::string& pane) {
+    Json shown = panel(&window);
+    if (!shown.is_null()) {
+        shown["rect"] = pixels(*window.contentView(), window.contentView()->bounds());
+        shown["title"] = window.title();
+        shown["pane"] = pane;
+    }
+    return line({{"preferences", std::move(shown)}});
+}
 
 std::string describe(const Description& facts, const EditorView& editor) {
     Json views = {{"window", {{"rect", pixels(editor, editor.bounds())}}}};
@@ -101,8 +115,7 @@ std::string describe(const Description& facts, const EditorView& editor) {
                         {"saved", orNull(facts.saved)}, {"message", orNull(facts.message)},
                         {"sheet", panel(facts.sheet)},  {"alert", panel(facts.alert)},
                         {"views", std::move(views)}};
-    // File names may be any bytes.
-    return whole.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return line(whole);
 }
 
 } // namespace trimstudio

@@ -24,4 +24,8 @@ struct Description {
 // progress and its buttons, whose rectangles count from the top left of its content.
 std::string describe(const Description& facts, const EditorView& editor);
 
+// The same of the preferences window, under "preferences": null while it is closed, else the place of its
+// content, its title, the pane that it shows, and what "sheet" tells of such a window.
+std::string describePreferences(const zr::NSWindow& window, const std::string& pane);
+
 } // namespace trimstudio

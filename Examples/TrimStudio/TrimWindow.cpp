@@ -1,3 +1,4 @@
+#include "SaveFolder.h"
 #include "TimeText.h"
 #include "TrimWindow.h"
 #include "Waveform.h"
@@ -344,7 +345,7 @@ void TrimWindow::saveTrimmed(NSObject*) {
     const double start = std::max(0.0, selection.dStart() / kMillisecondsPerSecond);
     const double length = std::min(selection.dLength() / kMillisecondsPerSecond, file_->duration - start);
     const std::weak_ptr<TrimWindow> weak = retained(this);
-    saving_ = std::make_shared<Saving>(TrimRequest{path_, start, length}, window_,
+    saving_ = std::make_shared<Saving>(TrimRequest{path_, start, length, saveFolder()}, window_,
                                        Saving::Notices{.changed =
                                                            [weak] {
                                                                if (const auto self = weak.lock())

@@ -18,8 +18,9 @@
 
 namespace trimstudio {
 
-// One window for one file: opens it, lets the user choose a clip and saves that beside the original. Reading
-// and writing happen in the background; closing the window ends them. The slider counts milliseconds.
+// One window for one file: opens it, lets the user choose a clip and saves that beside the original, or where
+// the preferences say. Reading and writing happen in the background; closing the window ends them. The slider
+// counts milliseconds.
 class TrimWindow : public zr::NSObject,
                    public zr::SliderViewDelegate,
                    public zr::SWTimeEditViewDelegate,

@@ -1,5 +1,6 @@
 // TrimStudio: trims recordings. TrimStudio [--describe] [--appearance light|dark] FILE...
 
+#include "Preferences.h"
 #include "TrimWindow.h"
 
 #include <AppKit/NSApplication.h>
@@ -88,13 +89,15 @@ void quitOnSignals(const sigset_t& signals, const std::shared_ptr<Quitter>& quit
     }).detach();
 }
 
-std::shared_ptr<zr::NSMenu> mainMenu() {
+std::shared_ptr<zr::NSMenu> mainMenu(const std::shared_ptr<Preferences>& preferences) {
     using zr::AppLocalizedString;
     auto menu = zr::make<zr::NSMenu>();
     const auto file = zr::make<zr::NSMenu>();
     menu->addItemWithTitle_action_keyEquivalent(AppLocalizedString("File"), "", "")->setSubmenu(file);
-    file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Close"), "performClose:", "w");
+    file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Preferences…"), "showPreferences:", ",")
+        ->setTarget(preferences);
     file->addItem(zr::NSMenuItem::separatorItem());
+    file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Close"), "performClose:", "w");
     file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Quit"), "terminate:", "q");
     return menu;
 }
@@ -113,7 +116,8 @@ int main(int argc, char** argv) {
     auto& application = zr::NSApplication::sharedApplication();
     application.setDelegate(quitter);
     quitOnSignals(signals, quitter);
-    application.setMainMenu(mainMenu());
+    const auto preferences = zr::make<Preferences>(&Preferences::initWithDescribes, arguments.describes);
+    application.setMainMenu(mainMenu(preferences));
     if (arguments.appearance) application.setAppearance(arguments.appearance);
 
     auto& windows = quitter->windows;

@@ -145,7 +145,7 @@ NSWindow& NSAlert::window() {
                            NSWindowStyleMaskTitled | NSWindowStyleMaskClosable, NSBackingStoreBuffered, false);
         closing_ = std::make_shared<Closing>();
         window_->setDelegate(closing_);
-        window_->isPanel_ = true;
+        window_->setAuxiliary(true);
     }
     return *window_;
 }

@@ -58,14 +58,23 @@ NSWindow* NSApplication::modalWindow() const {
     return modals_.empty() ? nullptr : modals_.back()->window.lock().get();
 }
 
+void NSApplication::setMainMenu(const std::shared_ptr<NSMenu>& menu) {
+    mainMenu_ = menu;
+    const auto windows = windows_;
+    for (const auto& window : windows) window->mainMenuChanged();
+}
+
 bool NSApplication::sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender) {
-    const auto heldTarget = retained(target);
-    if (target) return target->performSelector_withObject(action, sender);
-    if (const auto window = retained(keyWindow())) {
-        const auto first = retained(window->firstResponder());
-        if (first && first->tryToPerform_with(action, sender)) return true;
-    }
-    return tryToPerform_with(action, sender);
+    const auto taker = takerOf(action, target, keyWindow());
+    return taker && taker->performSelector_withObject(action, sender);
+}
+
+std::shared_ptr<NSObject> NSApplication::takerOf(const SEL& action, NSObject* target, NSWindow* window) {
+    if (target) return target->respondsToSelector(action) ? retained(target) : nullptr;
+    for (NSResponder* chain : {window ? window->firstResponder() : nullptr, static_cast<NSResponder*>(this)})
+        for (auto each = retained(chain); each; each = retained(each->nextResponder()))
+            if (each->respondsToSelector(action)) return each;
+    return nullptr;
 }
 
 void NSApplication::windowWasShown(NSWindow& window) {
@@ -76,8 +85,9 @@ void NSApplication::windowWasShown(NSWindow& window) {
 void NSApplication::windowWasClosed(NSWindow& window) {
     const auto held = retained(&window);
     wakeModal();
-    if (std::erase(windows_, held) == 0 || held->isPanel_ || terminating_) return;
-    if (std::ranges::any_of(windows_, [](const auto& each) { return each->isVisible() && !each->isPanel_; }))
+    if (std::erase(windows_, held) == 0 || held->isAuxiliary() || terminating_) return;
+    if (std::ranges::any_of(windows_,
+                            [](const auto& each) { return each->isVisible() && !each->isAuxiliary(); }))
         return;
     const auto delegate = delegate_.lock();
     if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed(*this).value_or(false))

@@ -80,21 +80,26 @@ public:
     NSWindow* keyWindow() const;
     NSWindow* modalWindow() const; // of the innermost modal session
 
-    // Its key equivalents act wherever the keyboard is, but not in modal sessions.
+    // Its key equivalents act wherever the keyboard is, but not in modal sessions. Windows that have a menu bar
+    // show the menus that are in it when it is set or the window is shown; see NSWindow.
     const std::shared_ptr<NSMenu>& mainMenu() const { return mainMenu_; }
-    void setMainMenu(const std::shared_ptr<NSMenu>& menu) { mainMenu_ = menu; }
+    void setMainMenu(const std::shared_ptr<NSMenu>& menu);
 
     // To the target or, without one, along the responder chain of the key window and then here. False when
     // nobody took it.
     bool sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender);
 
 private:
+    friend class NSMenuItem;
     friend class NSOpenPanel;
     friend class NSWindow;
     friend struct Installation;
     void windowWasShown(NSWindow& window);
     void windowWasClosed(NSWindow& window);
     void closeAllWindows();
+    // The target or, without one, the first along the responder chain of the window, and then this, that has
+    // the action; null for none.
+    std::shared_ptr<NSObject> takerOf(const SEL& action, NSObject* target, NSWindow* window);
 
     // A pull for events is under way from the first one until the event that is being handled has been handled.
     struct Waiting {

@@ -1,5 +1,7 @@
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSMenu.h>
+#include <AppKit/NSWindow.h>
+#include <WindowSystem/Views.h>
 
 #include <algorithm>
 
@@ -22,11 +24,21 @@ bool NSMenuItem::initWithTitle_action_keyEquivalent(const std::string& title, co
     return true;
 }
 
-bool NSMenuItem::perform() {
+bool NSMenuItem::perform() { return performIn(NSApplication::sharedApplication().keyWindow()); }
+
+bool NSMenuItem::performIn(NSWindow* window) {
     if (!enabled_ || action_.empty()) return false;
     const auto held = retained(this);
-    const auto heldTarget = target();
-    return NSApplication::sharedApplication().sendAction_to_from(action_, heldTarget.get(), this);
+    const auto taker = NSApplication::sharedApplication().takerOf(action_, target().get(), window);
+    return taker && taker->performSelector_withObject(action_, this);
+}
+
+// As its key equivalent would act, or not.
+bool NSMenuItem::canBeChosenIn(NSWindow* window) const {
+    if (!enabled_ || submenu_) return enabled_;
+    auto& application = NSApplication::sharedApplication();
+    return !action_.empty() && !application.modalWindow() &&
+           application.takerOf(action_, target().get(), window) != nullptr;
 }
 
 bool NSMenuItem::isPressedBy(const NSEvent& event) const {
@@ -54,6 +66,26 @@ std::shared_ptr<NSMenuItem> NSMenu::addItemWithTitle_action_keyEquivalent(const 
     auto item = make<NSMenuItem>(&NSMenuItem::initWithTitle_action_keyEquivalent, title, action, keyEquivalent);
     addItem(item);
     return item;
+}
+
+std::vector<port::MenuItem> NSMenu::shownIn(const std::weak_ptr<NSWindow>& window) const {
+    std::vector<port::MenuItem> result;
+    for (const auto& item : items_) {
+        port::MenuItem shown{.title = item->title(),
+                             .key = item->keyEquivalent(),
+                             .modifierFlags = item->keyEquivalentModifierMask(),
+                             .enabled = item->canBeChosenIn(window.lock().get()),
+                             .separator = item->isSeparatorItem()};
+        if (const auto& submenu = item->submenu())
+            shown.submenu = [submenu, window] { return submenu->shownIn(window); };
+        else
+            shown.choose = [item, window] {
+                const auto held = window.lock();
+                if (held && item->canBeChosenIn(held.get())) item->performIn(held.get());
+            };
+        result.push_back(std::move(shown));
+    }
+    return result;
 }
 
 bool NSMenu::performKeyEquivalent(const NSEvent& event) {

@@ -10,6 +10,11 @@
 namespace zr {
 
 class NSMenu;
+class NSWindow;
+
+namespace port {
+struct MenuItem;
+}
 
 // A command of a menu: what it is called, the key that is as good as choosing it, and what it sends to whom.
 class NSMenuItem : public NSObject {
@@ -24,7 +29,8 @@ public:
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title) { title_ = title; }
     const SEL& action() const { return action_; }
-    // Nobody: whoever is first to take the action along the responder chain of the key window.
+    // Nobody: whoever is first to take the action along the responder chain of the window in whose menu bar it
+    // was chosen or, for a key, of the key window.
     std::shared_ptr<NSObject> target() const { return target_.lock(); }
     void setTarget(const std::shared_ptr<NSObject>& target) { target_ = target; }
     const std::string& keyEquivalent() const { return keyEquivalent_; }
@@ -41,6 +47,10 @@ public:
     bool isPressedBy(const NSEvent& event) const;
 
 private:
+    friend class NSMenu;
+    bool canBeChosenIn(NSWindow* window) const;
+    bool performIn(NSWindow* window);
+
     std::string title_;
     SEL action_;
     std::weak_ptr<NSObject> target_;
@@ -51,6 +61,7 @@ private:
     bool isSeparator_ = false;
 };
 
+// Items are looked at when the menu is about to be shown: one whose action nobody takes is disabled then.
 class NSMenu : public NSObject {
 public:
     ZR_CLASS(NSMenu, NSObject)
@@ -67,6 +78,9 @@ public:
     bool performKeyEquivalent(const NSEvent& event);
 
 private:
+    friend class NSWindow;
+    std::vector<port::MenuItem> shownIn(const std::weak_ptr<NSWindow>& window) const;
+
     std::string title_;
     std::vector<std::shared_ptr<NSMenuItem>> items_;
 };

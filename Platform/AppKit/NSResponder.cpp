@@ -31,10 +31,4 @@ void NSResponder::scrollWheel(const NSEvent& event) { passOn(&NSResponder::scrol
 void NSResponder::keyDown(const NSEvent& event) { passOn(&NSResponder::keyDown, event); }
 void NSResponder::keyUp(const NSEvent& event) { passOn(&NSResponder::keyUp, event); }
 
-bool NSResponder::tryToPerform_with(const SEL& action, NSObject* sender) {
-    if (performSelector_withObject(action, sender)) return true;
-    const auto next = nextResponder_.lock();
-    return next && next->tryToPerform_with(action, sender);
-}
-
 } // namespace zr

@@ -40,9 +40,6 @@ public:
     virtual void keyDown(const NSEvent& event);
     virtual void keyUp(const NSEvent& event);
 
-    // Performs the action here, or on the next responder that has it. False when nobody has.
-    virtual bool tryToPerform_with(const SEL& action, NSObject* sender);
-
 private:
     void passOn(void (NSResponder::*message)(const NSEvent&), const NSEvent& event);
 

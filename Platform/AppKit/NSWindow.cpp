@@ -189,8 +189,29 @@ void NSWindow::peerMoved() {
 
 double NSWindow::topInset() const {
     if (peer_) return peer_->topInset();
-    constexpr double kUsualTitleBar = 22, kUsualToolbar = 56;
-    return ((styleMask_ & NSWindowStyleMaskTitled) != 0 ? kUsualTitleBar : 0) + (toolbar_ ? kUsualToolbar : 0);
+    constexpr double kUsualTitleBar = 22, kUsualMenuBar = 24, kUsualToolbar = 56;
+    return ((styleMask_ & NSWindowStyleMaskTitled) != 0 ? kUsualTitleBar : 0) +
+           (mayHaveMenuBar() ? kUsualMenuBar : 0) + (toolbar_ ? kUsualToolbar : 0);
+}
+
+bool NSWindow::mayHaveMenuBar() const {
+    constexpr unsigned kNeeded = NSWindowStyleMaskTitled | NSWindowStyleMaskMiniaturizable;
+    return !foreign_ && !auxiliary_ && (styleMask_ & kNeeded) == kNeeded && installation() &&
+           NSApplication::sharedApplication().mainMenu();
+}
+
+void NSWindow::setMenuBar(bool shown) {
+    shown = shown && mayHaveMenuBar();
+    if (!peer_ || shown == std::exchange(hasMenuBar_, shown)) return;
+    const auto menu = NSApplication::sharedApplication().mainMenu();
+    peer_->setMenuBar(shown ? menu->shownIn(retained(this)) : std::vector<port::MenuItem>());
+}
+
+void NSWindow::mainMenuChanged() {
+    const auto held = retained(this);
+    const bool shown = visible_ && !isSheet_ && NSApplication::sharedApplication().modalWindow() != this;
+    setMenuBar(false);
+    setMenuBar(shown);
 }
 
 NSRect NSWindow::frame() const {
@@ -233,7 +254,11 @@ void NSWindow::setToolbar(const std::shared_ptr<NSToolbar>& toolbar) {
         peer_->setToolbar({}, nullptr);
 }
 
-void NSWindow::realise() {
+void NSWindow::realise(bool withMenuBar) {
+    if (peer_) {
+        setMenuBar(withMenuBar);
+        return;
+    }
     auto& system = installation()->windowSystem;
     client_ = std::make_unique<Client>(*this);
     peer_ = system.makeWindow(*client_, contentSize_, (styleMask_ & NSWindowStyleMaskResizable) != 0);
@@ -241,6 +266,7 @@ void NSWindow::realise() {
     peer_->setContentLimits(contentMinSize_, contentMaxSize_);
     contentView_->realiseAsContent(system, *peer_);
     if (toolbar_) toolbar_->windowChanged(this);
+    setMenuBar(withMenuBar);
     placePeer();
     focusFirstResponder();
 }
@@ -249,20 +275,21 @@ void NSWindow::unrealise() {
     if (!peer_) return;
     contentView_->unrealise();
     peer_.reset();
+    hasMenuBar_ = false;
     updateScheduled_ = false;
 }
 
 void NSWindow::show(bool activate) {
     if (!installation() || (foreign_ && !peer_)) return;
     wasShown();
-    if (!peer_) realise();
+    realise(true);
     peer_->show(activate);
 }
 
 void NSWindow::showModal() {
     if (!installation()) return;
     wasShown();
-    if (!peer_) realise();
+    realise(false);
     peer_->showModal();
 }
 
@@ -272,7 +299,7 @@ void NSWindow::showAsSheet(NSWindow* parent) {
     while (parent && parent->attachedSheet()) parent = parent->attachedSheet();
     if (parent == this) return;
     wasShown();
-    if (!peer_) realise();
+    realise(false);
     isSheet_ = true;
     sheetParent_ = retained(parent);
     if (parent) parent->attachedSheet_ = retained(this);

@@ -71,9 +71,9 @@ public:
     std::shared_ptr<NSWindowDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(std::weak_ptr<NSWindowDelegate> delegate) { delegate_ = std::move(delegate); }
 
-    // The whole window with its title bar and toolbar; borders beside and below the content do not count.
-    // Screen coordinates: points, y up, origin at the lower left of the primary screen. How high a title bar is
-    // is known for certain only of a window that was shown.
+    // The whole window with its title bar, menu bar and toolbar; borders beside and below the content do not
+    // count. Screen coordinates: points, y up, origin at the lower left of the primary screen. How high a title
+    // bar is is known for certain only of a window that was shown.
     NSRect frame() const;
     // The frame of a window like this one with such a content: as much higher.
     NSRect frameRectForContentRect(const NSRect& content) const;
@@ -88,6 +88,14 @@ public:
 
     const std::shared_ptr<NSToolbar>& toolbar() const { return toolbar_; } // none at first
     void setToolbar(const std::shared_ptr<NSToolbar>& toolbar); // above the content, which keeps its size
+
+    // One that stands beside the windows in which people work, such as a palette or the preferences: it is no
+    // reason for the program to go on, and has no menu bar. To be set before it is shown; false at first.
+    //
+    // Where menus stand in windows, the application's main menu stands above the toolbar and the content of
+    // every other window that has a title and can be minimised, while it is neither a sheet nor modal.
+    bool isAuxiliary() const { return auxiliary_; }
+    void setAuxiliary(bool auxiliary) { auxiliary_ = auxiliary; }
 
     const NSSize& contentSize() const { return contentSize_; }
     void setContentSize(const NSSize& size);
@@ -158,13 +166,12 @@ private:
     friend struct Installation;
     struct Client;
 
-    friend class NSAlert;
     friend class NSOpenPanel;
     friend class NSTextField;
     friend class NSToolbar;
     bool selectKeyView(NSView* from, bool backwards); // false: there is no other
     bool performKeyEquivalentOf(const char* characters);
-    void realise();
+    void realise(bool withMenuBar);
     void unrealise();
     void show(bool activate);
     void contentResized(const NSSize& size);
@@ -173,6 +180,9 @@ private:
     void peerMoved();
     double topInset() const;
     void placePeer();
+    bool mayHaveMenuBar() const;
+    void setMenuBar(bool shown);
+    void mainMenuChanged();
     void scheduleUpdate();
     void update();
     bool shouldClose();
@@ -217,7 +227,8 @@ private:
     bool closing_ = false;
     bool key_ = false;
     bool isSheet_ = false;
-    bool isPanel_ = false; // comes and goes by itself, and is no reason to quit, or to go on
+    bool auxiliary_ = false;
+    bool hasMenuBar_ = false; // the peer has
     std::weak_ptr<NSWindow> attachedSheet_, sheetParent_;
     std::weak_ptr<NSView> initialFirstResponder_;
     NSPoint lastPress_;          // where the left button was last seen down

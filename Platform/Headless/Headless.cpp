@@ -191,6 +191,8 @@ public:
     std::vector<std::string> toolbarItems() const override;
     bool clickToolbarItem(std::string_view label) override;
     std::string selectedToolbarItem() const override;
+    std::vector<std::string> menuItems(const std::vector<std::string>& menu) const override;
+    bool clickMenuItem(const std::vector<std::string>& titles) override;
     std::vector<std::string> viewNames() const override;
 
     bool isBlocked() const; // by a modal window or a sheet
@@ -214,6 +216,7 @@ public:
     bool updateScheduled = false;
     int modal = 0; // 0: not; else counts up with each
     WindowImplementation* sheetParent = nullptr;
+    std::vector<port::MenuItem> menuBar;
     std::vector<port::ToolbarItem> toolbar;
     port::ToolbarClient* toolbarClient = nullptr;
     std::optional<std::size_t> selectedToolbarItem_;
@@ -371,7 +374,7 @@ struct TextFieldPeer final : PeerOf<port::TextFieldPeer> {
 };
 
 constexpr double kButtonPaddingX = 32, kButtonPaddingY = 14;
-constexpr double kTitleBarHeight = 22, kToolbarHeight = 56;
+constexpr double kTitleBarHeight = 22, kMenuBarHeight = 24, kToolbarHeight = 56;
 
 struct ButtonPeer final : PeerOf<port::ButtonPeer> {
     explicit ButtonPeer(port::Graphics& system) : graphics(system) {}
@@ -438,7 +441,8 @@ struct WindowPeer final : port::WindowPeer {
         window->client->peerMoved();
     }
     double topInset() const override {
-        return kTitleBarHeight + (window->toolbar.empty() ? 0 : kToolbarHeight);
+        return kTitleBarHeight + (window->menuBar.empty() ? 0 : kMenuBarHeight) +
+               (window->toolbar.empty() ? 0 : kToolbarHeight);
     }
     void setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) override {
         window->toolbar = items;
@@ -446,6 +450,7 @@ struct WindowPeer final : port::WindowPeer {
         window->selectedToolbarItem_.reset();
     }
     void selectToolbarItem(std::optional<std::size_t> index) override { window->selectedToolbarItem_ = index; }
+    void setMenuBar(const std::vector<port::MenuItem>& items) override { window->menuBar = items; }
     double backingScale() const override { return window->system.options.scale; }
 
     std::unique_ptr<WindowImplementation> window;
@@ -659,6 +664,62 @@ bool WindowImplementation::clickToolbarItem(std::string_view label) {
 
 std::string WindowImplementation::selectedToolbarItem() const {
     return selectedToolbarItem_ ? toolbar.at(*selectedToolbarItem_).label : "";
+}
+
+namespace {
+
+const port::MenuItem* itemOf(const std::vector<port::MenuItem>& items, const std::string& title) {
+    const auto found =
+        std::ranges::find_if(items, [&](const auto& item) { return !item.separator && item.title == title; });
+    return found == items.end() ? nullptr : &*found;
+}
+
+// Opens one menu after the other. Nothing where there is none.
+std::vector<port::MenuItem> opened(std::vector<port::MenuItem> items, const std::vector<std::string>& titles) {
+    for (const auto& title : titles) {
+        const auto* const item = itemOf(items, title);
+        items = item && item->enabled && item->submenu ? item->submenu() : std::vector<port::MenuItem>();
+    }
+    return items;
+}
+
+std::string described(const port::MenuItem& item) {
+    constexpr std::array<std::pair<NSEventModifierFlags, const char*>, 4> kModifiers = {
+        {{NSEventModifierFlagControl, "Control-"},
+         {NSEventModifierFlagOption, "Option-"},
+         {NSEventModifierFlagShift, "Shift-"},
+         {NSEventModifierFlagCommand, "Command-"}}};
+    if (item.separator) return "<separator>";
+    std::string text = item.title;
+    if (item.submenu) text += " >";
+    if (!item.key.empty()) {
+        text += " [";
+        for (const auto& [flag, name] : kModifiers)
+            if ((item.modifierFlags & flag) != 0) text += name;
+        text += item.key;
+        text += "]";
+    }
+    if (!item.enabled) text += " (disabled)";
+    return text;
+}
+
+} // namespace
+
+std::vector<std::string> WindowImplementation::menuItems(const std::vector<std::string>& menu) const {
+    std::vector<std::string> lines;
+    for (const auto& item : opened(menuBar, menu)) lines.push_back(described(item));
+    return lines;
+}
+
+bool WindowImplementation::clickMenuItem(const std::vector<std::string>& titles) {
+    if (titles.empty() || isBlocked()) return false;
+    const auto items = opened(menuBar, {titles.begin(), titles.end() - 1});
+    const auto* const item = itemOf(items, titles.back());
+    if (!item || !item->enabled || !item->choose) return false;
+    auto& platform = system;
+    item->choose();
+    platform.display();
+    return true;
 }
 
 void WindowImplementation::setKey(bool nowKey) {

@@ -43,7 +43,11 @@ public:
     virtual std::vector<std::string> toolbarItems() const = 0; // their labels
     virtual bool clickToolbarItem(std::string_view label) = 0; // false where there is none that can be clicked
     virtual std::string selectedToolbarItem() const = 0;       // its label; empty for none
-    virtual bool closeByUser() = 0;                            // false when it did not want to
+    // Of the menu bar, or of the menu that these titles lead to, as it is when it is opened now: "Close
+    // [Command-w]", "Paste (disabled)", "Recent >", "<separator>".
+    virtual std::vector<std::string> menuItems(const std::vector<std::string>& menu = {}) const = 0;
+    virtual bool clickMenuItem(const std::vector<std::string>& titles) = 0; // false where it cannot be chosen
+    virtual bool closeByUser() = 0;                                         // false when it did not want to
     virtual void setKey(bool key) = 0;
     virtual void blockByModalDialog() = 0; // opened by somebody else
     // The real window is taken away, as when a host deletes it.

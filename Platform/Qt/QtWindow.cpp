@@ -152,7 +152,8 @@ void WindowWidget::closeEvent(QCloseEvent* event) {
 }
 
 void WindowWidget::placeContent() {
-    if (bar) bar->setGeometry(0, 0, width(), barHeight());
+    if (menuBar) menuBar->setGeometry(0, 0, width(), menuHeight());
+    if (bar) bar->setGeometry(0, menuHeight(), width(), bar->height());
     if (contentWidget) contentWidget->place({{0, double(barHeight())}, sizeOf(size() - QSize(0, barHeight()))});
 }
 
@@ -177,6 +178,13 @@ bool WindowWidget::eventFilter(QObject* watched, QEvent* event) {
 
 void WindowWidget::moveEvent(QMoveEvent*) {
     if (client) client->peerMoved();
+}
+
+void WindowWidget::keyPressEvent(QKeyEvent* event) {
+    if (menuBar && event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier)
+        menuBar->openFirst();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void WindowWidget::changeEvent(QEvent* event) {
@@ -345,24 +353,31 @@ double WindowPeer::topInset() const {
     return widget_->geometry().top() - widget_->frameGeometry().top() + widget_->barHeight();
 }
 
-void WindowPeer::setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) {
+template <class Bar>
+void WindowPeer::replace(Bar*& place, Bar* bar) {
     WindowWidget* const widget = widget_.data();
-    if (!widget) return;
     const CGSize content = sizeOf(widget->size() - QSize(0, widget->barHeight()));
-    if (widget->bar) {
-        widget->bar->hide();
-        widget->bar->deleteLater();
+    if (place) {
+        place->hide();
+        place->deleteLater();
     }
-    widget->bar = nullptr;
-    if (!items.empty()) {
-        auto* const bar = new Toolbar(widget, items, *client);
+    place = bar;
+    if (bar) {
         bar->resize(widget->width(), bar->sizeHint().height());
-        widget->bar = bar;
         bar->show();
     }
     setContentLimits(minimum_, maximum_);
     widget->placeContent();
     setContentSize(content); // reaches the client, which may let go of this peer
+}
+
+void WindowPeer::setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) {
+    if (widget_)
+        replace<QToolBar>(widget_->bar, items.empty() ? nullptr : new Toolbar(widget_, items, *client));
+}
+
+void WindowPeer::setMenuBar(const std::vector<port::MenuItem>& items) {
+    if (widget_) replace(widget_->menuBar, items.empty() ? nullptr : new MenuBar(widget_, items));
 }
 
 void WindowPeer::selectToolbarItem(std::optional<std::size_t> index) {

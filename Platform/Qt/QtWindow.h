@@ -1,6 +1,7 @@
 #pragma once
 
 #include "InputBlock.h"
+#include "QtMenuBar.h"
 #include "QtViews.h"
 
 #include <QToolBar>
@@ -21,9 +22,11 @@ public:
     port::WindowClient* client; // null once the peer is gone
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
     void placeSheet(); // where it belongs over its parent
-    int barHeight() const { return bar ? bar->height() : 0; }
+    int menuHeight() const { return menuBar ? menuBar->height() : 0; }
+    int barHeight() const { return menuHeight() + (bar ? bar->height() : 0); }
     void placeContent();
-    QToolBar* bar = nullptr; // above the content
+    MenuBar* menuBar = nullptr; // above the toolbar
+    QToolBar* bar = nullptr;    // above the content
     QPointer<QWidget> sheetParent;
     std::unique_ptr<InputBlock> parentBlock;
     QPointer<ViewWidget> contentWidget;
@@ -36,6 +39,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override; // what nobody took
 };
 
 // What any window peer of this adaptor does.
@@ -66,12 +70,15 @@ public:
     double topInset() const override;
     void setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) override;
     void selectToolbarItem(std::optional<std::size_t> index) override;
+    void setMenuBar(const std::vector<port::MenuItem>& items) override;
     double backingScale() const override;
 
     std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient& client) override;
     QWidget* topLevel() const override { return widget_; }
 
 private:
+    template <class Bar>
+    void replace(Bar*& place, Bar* bar);       // the content keeps its size
     void limit(QSize smallest, QSize largest); // as wanted, but so that these sizes are allowed
 
     QPointer<WindowWidget> widget_;

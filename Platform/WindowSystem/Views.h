@@ -6,6 +6,8 @@
 #include <Base/Geometry.h>
 #include <WindowSystem/Canvas.h>
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -160,6 +162,17 @@ public:
     virtual void peerClicked(std::size_t index) = 0; // the selection is not changed yet
 };
 
+struct MenuItem {
+    std::string title{};
+    std::string key{};               // that is as good as choosing the item; only shown here, empty for none
+    std::uint32_t modifierFlags = 0; // of the key
+    bool enabled = true;
+    bool separator = false;
+    // Of an item with a menu of its own: what is in it. Asked each time that menu is to be shown.
+    std::function<std::vector<MenuItem>()> submenu{};
+    std::function<void()> choose{}; // may take the window away
+};
+
 class WindowClient {
 public:
     virtual ~WindowClient() = default;
@@ -201,14 +214,16 @@ public:
     virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;
     virtual void scheduleUpdate() = 0;                 // asks for one peerUpdate
     virtual CGPoint contentOriginOnScreen() const = 0; // from the top left of the primary screen
-    // Of the whole window, with title bar and toolbar; from the top left of the primary screen. Not every
-    // window system lets programs place windows, or tells where they are.
+    // Of the whole window, with title bar, menu bar and toolbar; from the top left of the primary screen. Not
+    // every window system lets programs place windows, or tells where they are.
     virtual CGPoint frameTopLeft() const = 0;
     virtual void setFrameTopLeft(CGPoint topLeft) = 0;
     virtual double topInset() const = 0; // from the frame's top to the content's, as far as it is known
     // Above the content, which keeps its size; no items take it away. The client outlives it.
     virtual void setToolbar(const std::vector<ToolbarItem>& items, ToolbarClient* client) = 0;
     virtual void selectToolbarItem(std::optional<std::size_t> index) = 0;
+    // Above the toolbar, where menus stand in windows; the content keeps its size. No items take it away.
+    virtual void setMenuBar(const std::vector<MenuItem>& items) = 0;
     virtual double backingScale() const = 0; // device pixels for a point
 };
 

@@ -63,7 +63,7 @@ class Desktop(contextlib.ExitStack):
         self.environment = {key: value for key, value in os.environ.items()
                             if key not in ("WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "LANGUAGE")}
         self.environment.update(DISPLAY=f":{number}", XDG_RUNTIME_DIR=self.runtime, QT_QPA_PLATFORM="xcb",
-                                LC_ALL="C.UTF-8", QT_STYLE_OVERRIDE="fusion")
+                                LC_ALL="C.UTF-8", QT_STYLE_OVERRIDE="fusion", XDG_CONFIG_HOME=f"{self.runtime}/config")
         # It announces itself long before it manages windows, and a window that comes in between may never be shown.
         ready = pathlib.Path(self.runtime, "window-manager-runs")
         self.start(["openbox", "--sm-disable", "--startup", f"touch {ready}"], env=self.environment, stdout=subprocess.DEVNULL,
@@ -107,10 +107,19 @@ class Desktop(contextlib.ExitStack):
         for window in self.run("xdotool", "search", "--onlyvisible", "--pid", str(process.pid)).split():
             info = self.run("xwininfo", "-id", window)
             numbers = [int(n) for n in re.findall(r"(?:Absolute upper-left [XY]|Width|Height):\s+(-?\d+)", info)]
-            # At twice the scale a window that stands on an odd pixel is known to Qt to the nearest even one.
-            if len(numbers) == 4 and all(abs(a - b) <= 1 for a, b in zip(numbers, rect)):
+            if len(numbers) != 4:
+                continue
+            x, y, width, height = numbers
+            # Above the content there may be bars. At twice the scale a window that stands on an odd pixel is known to Qt to
+            # the nearest even one.
+            if y <= rect[1] + 1 and all(abs(a - b) <= 1 for a, b in zip((x, width, y + height), (rect[0], rect[2], rect[1] + rect[3]))):
                 return window, (0, 0)
         return None
+
+    def client_area(self, window):
+        """Of a window that was found: without its frame, but with the bars above its content."""
+        info = self.run("xwininfo", "-id", window)
+        return [int(n) for n in re.findall(r"(?:Absolute upper-left [XY]|Width|Height):\s+(-?\d+)", info)]
 
     def find_by_size(self, process, size):
         """The upper left corner of the content of a window of this size; nothing if there is none."""
@@ -129,6 +138,7 @@ class WaylandDesktop(Desktop):
     """A Wayland compositor that fills the X server's screen, and so has its pointer, its keys and its coordinates."""
 
     BACKGROUND = 0xb5  # its green, which is all it has
+    TITLE_BAR = 30  # that Qt draws
     SETTINGS = f"""
 [core]
 idle-time=0
@@ -168,7 +178,7 @@ path=
                 [width - green[y * width:(y + 1) * width].count(self.BACKGROUND) for y in range(height)])
 
     def find(self, process, rect):
-        """Wayland tells nobody where a window is. The frame is as wide below the content as beside it; above it is the title."""
+        """Wayland tells nobody where a window is. The frame is as wide below the content as beside it; above it are title and bars."""
         width, height = round(rect[2]), round(rect[3])
         columns, rows = self._covered()
         across = [x for x, covered in enumerate(columns) if covered > height / 2]
@@ -176,11 +186,11 @@ path=
         if not across or not down:
             return None
         side = (across[-1] + 1 - across[0] - width) // 2
-        title = down[-1] + 1 - down[0] - height - side
-        if side < 0 or title <= side:
+        above = down[-1] + 1 - down[0] - height - side
+        if side < 0 or above < self.TITLE_BAR:
             return None
-        x, y = across[0] + side, down[0] + title
-        close_button = x + width - title / 2, y - title / 2
+        x, y = across[0] + side, down[0] + above
+        close_button = x + width - self.TITLE_BAR / 2, down[0] + self.TITLE_BAR / 2
         return close_button, (x - rect[0], y - rect[1])
 
     def ask_to_close(self, window):
@@ -190,7 +200,8 @@ path=
 
 
 class TrimStudio:
-    """A running TrimStudio, and what one of its windows describes of itself: that of the file it follows, else any."""
+    """A running TrimStudio, and what one of its windows describes of itself: that of the file it follows, else any.
+    The preferences are described beside that."""
 
     def __init__(self, desktop, program, *arguments, wrapper=(), environment=None):
         self.desktop = desktop
@@ -198,6 +209,7 @@ class TrimStudio:
         self.last = None
         self.followed = None
         self.described = None
+        self.preferences = None
         self.history = []
         self.window = None
         self.offset = (0, 0)
@@ -240,7 +252,11 @@ class TrimStudio:
     def newest(self):
         with contextlib.suppress(queue.Empty):
             while True:
-                self.history.append(self.lines.get_nowait())
+                line = self.lines.get_nowait()
+                if "preferences" in line:
+                    self.preferences = line["preferences"]
+                    continue
+                self.history.append(line)
                 if self.followed in (None, self.history[-1]["file"]):
                     self.described = self.history[-1]
         return self._placed()
@@ -278,6 +294,17 @@ class TrimStudio:
         if found:
             self.window, self.offset = found
         return found is not None
+
+    def wait_for_preferences(self, what, condition):
+        """What is described of the preferences, once the condition holds for that."""
+        def check():
+            self.newest()
+            return condition(self.preferences)
+        try:
+            wait_until(what, check)
+        except Timeout as timeout:
+            raise Timeout(f"{timeout}; last: {self.preferences}; errors: {''.join(self.errors)}") from None
+        return self.preferences
 
     def slider(self):
         return self.newest()["views"]["splitSlider"]

@@ -183,7 +183,8 @@ class Handles(DragsOfTheHandles, TrimmingTest):
         source = self.make("long.wav", SOUND)
         studio = self.start(source)
         studio.wait_until_ready()
-        self.desktop.pointer("windowsize", "--sync", studio.window, 900, 420)
+        bars = self.desktop.client_area(studio.window)[3] - studio.last["views"]["window"]["rect"][3]
+        self.desktop.pointer("windowsize", "--sync", studio.window, 900, 420 + bars)
         wide = studio.wait("the larger window", lambda d: d["views"]["window"]["rect"][2:] == [900, 420] and
                            d["views"]["splitSlider"]["track"][2] == 900 - 2 * 20 - 2 * 28)
         right = wide["views"]["splitSlider"]["rightHandle"]

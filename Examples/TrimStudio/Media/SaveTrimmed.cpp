@@ -30,11 +30,11 @@ std::string problemWith(const TrimRequest& request, const MediaFile& file) {
     return {};
 }
 
-std::filesystem::path trimmedName(const std::filesystem::path& source) {
-    std::filesystem::path name = source.stem();
+std::filesystem::path trimmedName(const TrimRequest& request) {
+    std::filesystem::path name = request.source.stem();
     name += "-trimmed";
-    name += source.extension();
-    return source.parent_path() / name;
+    name += request.source.extension();
+    return request.folder.value_or(request.source.parent_path()) / name;
 }
 
 // Calls back at most 50 times a second.
@@ -70,7 +70,7 @@ public:
 
     Outcome<Trimmed> run() {
         if (std::string text = prepare(); !text.empty()) return Failure{std::move(text)};
-        Outcome<std::unique_ptr<OutputFile>> created = OutputFile::create(trimmedName(file_.path));
+        Outcome<std::unique_ptr<OutputFile>> created = OutputFile::create(trimmedName(request_));
         if (!created) return Failure{created.error()};
         OutputFile& output = *created.value();
         Outcome<std::unique_ptr<Muxer>> muxer = Muxer::create(*input_, output, file_.path);

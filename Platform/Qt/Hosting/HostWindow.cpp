@@ -68,6 +68,7 @@ public:
     double topInset() const override { return top_ ? top_->geometry().top() - top_->frameGeometry().top() : 0; }
     void setToolbar(const std::vector<port::ToolbarItem>&, port::ToolbarClient*) override {} // is the host's
     void selectToolbarItem(std::optional<std::size_t>) override {}
+    void setMenuBar(const std::vector<port::MenuItem>&) override {}
     CGPoint contentOriginOnScreen() const override {
         if (!top_) return {};
         const QPointF origin = top_->mapToGlobal(QPointF(0, 0));

@@ -1,16 +1,8 @@
-#include "TrimWindow.h"
+#include "WindowWithFile.h"
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSButton.h>
 #include <AppKit/NSProgressIndicator.h>
-#include <ZRUIKitHeadless/Headless.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <fstream>
-#include <set>
 
 namespace trimstudio {
 
@@ -19,45 +11,8 @@ using testing::Contains;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-namespace {
-
-// Two seconds of silence, 8,000 samples a second.
-std::string wave() {
-    std::string bytes = "RIFF";
-    const auto number = [&bytes](std::uint32_t value, int size) {
-        for (int i = 0; i < size; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
-    };
-    constexpr std::uint32_t kRate = 8000, kBytes = 2 * kRate * 2;
-    number(36 + kBytes, 4);
-    bytes += "WAVEfmt ";
-    for (const auto& [value, size] :
-         {std::pair{16u, 4}, {1u, 2}, {1u, 2}, {kRate, 4}, {2 * kRate, 4}, {2u, 2}, {16u, 2}})
-        number(value, size);
-    bytes += "data";
-    number(kBytes, 4);
-    return bytes + std::string(kBytes, '\0');
-}
-
-} // namespace
-
-// A window of TrimStudio with a real file, where time passes and background work is done when the test says so.
-class WindowsThatSave : public testing::Test {
+class WindowsThatSave : public WindowWithFile {
 protected:
-    void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zruikit-windows-XXXXXX").string();
-        folder_ = ::mkdtemp(pattern.data());
-        std::ofstream(folder_ / "take.wav", std::ios::binary) << wave();
-        window_ = make<TrimWindow>(&TrimWindow::initWithPath_describes, folder_ / "take.wav", false);
-        window_->show();
-        platform_.runUntilIdle();
-        ASSERT_FALSE(window_->failed());
-        user_ = platform_.windows().front();
-    }
-    void TearDown() override {
-        window_.reset();
-        std::filesystem::remove_all(folder_);
-    }
-
     NSWindow& window() const { return *NSApplication::sharedApplication().windows().front(); }
     headless::Window* sheet() {
         for (auto* const each : platform_.windows())
@@ -78,13 +33,6 @@ protected:
                 return bar->doubleValue();
         return -1;
     }
-    std::string message() { return user_->labelText("messageLabel"); }
-    std::set<std::string> files() const {
-        std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder_))
-            names.insert(entry.path().filename().string());
-        return names;
-    }
     // The alert that is up is answered by the button of this title.
     static void answer(const std::string& title) {
         auto* const alert = NSApplication::sharedApplication().modalWindow();
@@ -97,11 +45,6 @@ protected:
         FAIL() << "no button " << title;
     }
     static bool asks() { return NSApplication::sharedApplication().modalWindow() != nullptr; }
-
-    headless::Platform platform_;
-    std::filesystem::path folder_;
-    std::shared_ptr<TrimWindow> window_;
-    headless::Window* user_ = nullptr;
 };
 
 TEST_F(WindowsThatSave, AShortJobShowsNoSheet) {

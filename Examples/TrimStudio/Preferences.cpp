@@ -1,0 +1,95 @@
+#include "Description.h"
+#include "GeneralViewController.h"
+#include "Preferences.h"
+
+#include <AppKit/NSScreen.h>
+#include <Foundation/NSUserDefaults.h>
+#include <ZRUIKit/KitFoundation.h>
+
+#include <cmath>
+#include <cstdio>
+#include <utility>
+
+namespace trimstudio {
+
+using namespace zr;
+
+// The kit's window, which describes itself here.
+class PreferencesWindow : public MASPreferencesWindowController {
+public:
+    ZR_CLASS(PreferencesWindow, MASPreferencesWindowController)
+
+    bool initWithDescribes(bool describes) {
+        describes_ = describes;
+        const auto general = make<GeneralViewController>();
+        general->setDidChange([weak = std::weak_ptr(retained(this))] {
+            if (const auto self = weak.lock()) self->describeSoon();
+        });
+        return initWithViewControllers_title(
+            {
+                general,
+            },
+            AppLocalizedString("Preferences"));
+    }
+    void awakeFromNib() override {
+        window()->setAuxiliary(true);
+        const bool wasPlaced =
+            NSUserDefaults::standardUserDefaults()->objectForKey("MASPreferences Frame Top Left") != nullptr;
+        MASPreferencesWindowController::awakeFromNib();
+        if (!wasPlaced) centre();
+    }
+    void windowDidMove(NSWindow& window) override {
+        MASPreferencesWindowController::windowDidMove(window);
+        describeSoon();
+    }
+    void windowDidResize(NSWindow& window) override {
+        MASPreferencesWindowController::windowDidResize(window);
+        describeSoon();
+    }
+    void windowDidBecomeKey(NSWindow&) override { describeSoon(); }
+    void windowDidResignKey(NSWindow&) override { describeSoon(); }
+    void windowWillClose(NSWindow&) override { describeSoon(); }
+
+private:
+    void centre() {
+        const NSSize screen = NSScreen::mainScreen().frame().size, size = window()->frame().size;
+        window()->setFrameTopLeftPoint(
+            {std::round((screen.width - size.width) / 2), std::round((screen.height + size.height) / 2)});
+    }
+    // Once for all that happens in an event, when it is over.
+    void describeSoon() {
+        if (!describes_ || std::exchange(descriptionPosted_, true)) return;
+        OnMainQueue([self = retained(this)] {
+            self->descriptionPosted_ = false;
+            const auto* const pane =
+                dynamic_cast<MASPreferencesViewController*>(self->selectedViewController().get());
+            std::string line = describePreferences(*self->window(), pane ? pane->identifier() : "");
+            if (line == self->lastDescription_) return;
+            std::puts(line.c_str());
+            std::fflush(stdout);
+            self->lastDescription_ = std::move(line);
+        });
+    }
+
+    std::string lastDescription_;
+    bool describes_ = false;
+    bool descriptionPosted_ = false;
+};
+
+ZR_CLASS_TABLE(PreferencesWindow)
+ZR_CLASS_TABLE(Preferences, .actions = {actionNamed<&Preferences::showPreferences>("showPreferences:")})
+
+Preferences::Preferences() = default;
+Preferences::~Preferences() = default;
+
+bool Preferences::initWithDescribes(bool describes) {
+    describes_ = describes;
+    return true;
+}
+
+void Preferences::showPreferences(NSObject* sender) {
+    if (!window_) window_ = make<PreferencesWindow>(&PreferencesWindow::initWithDescribes, describes_);
+    window_->showWindow(sender);
+}
+
+} // namespace trimstudio

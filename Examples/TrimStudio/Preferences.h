@@ -1,0 +1,27 @@
+#pragma once
+
+#include <Foundation/NSObject.h>
+
+#include <memory>
+
+namespace trimstudio {
+
+class PreferencesWindow;
+
+// Opens the preferences window: one, made when it is first asked for and kept. Main thread only.
+class Preferences : public zr::NSObject {
+public:
+    ZR_CLASS(Preferences, zr::NSObject)
+    Preferences();
+    ~Preferences() override;
+
+    // With `describes`, every change of the window is described on standard output.
+    bool initWithDescribes(bool describes);
+    void showPreferences(zr::NSObject* sender); // an action: "showPreferences:"
+
+private:
+    std::shared_ptr<PreferencesWindow> window_;
+    bool describes_ = false;
+};
+
+} // namespace trimstudio
