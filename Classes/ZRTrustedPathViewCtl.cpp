@@ -158,7 +158,7 @@ std::string ZRTrustedPathViewCtl::toolbarItemLabel() const { return AppLocalized
 
 // The list
 
-void ZRTrustedPathViewCtl::setAryItems(const Folders& folders) {
+void ZRTrustedPathViewCtl::setAryItems(Folders folders) {
     aryItems_.clear();
     paths_.clear();
     append(folders);

@@ -32,7 +32,7 @@ public:
 //
 // A host makes one at launch: 0.3 s later the stored folders are restored in the background, whether or not the
 // pane is shown, and access to each is started, which lasts until the program ends. Until that is done an
-// overlay covers the list, and nothing of it is stored. What fails is logged and left where it is; it leaves
+// overlay covers the list, and commits store nothing. What fails is logged and left where it is; it leaves
 // the store with the first commit after a restore that has ended.
 //
 // Main thread only, but for restoreDefaultsBookmarks() and updateRecoveringPath().
@@ -54,7 +54,7 @@ public:
 
     // The folders that are trusted now, in the order in which they were added.
     const Folders& aryItems() const { return aryItems_; }
-    void setAryItems(const Folders& folders);
+    void setAryItems(Folders folders);
     Folders itemList() const { return aryItems_; }
     // Whether a folder of the same path is among them, letter by letter.
     bool isExsistWithUrl(const NSURL& url) const;

@@ -2,9 +2,12 @@
 
 #include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSScreen.h>
+#include <AppKit/NSTableView.h>
 #include <AppKit/NSWindow.h>
 
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 namespace trimstudio {
 
@@ -54,9 +57,25 @@ Json timeField(const SWTimeEditView& view) {
 
 double pixelsPerPoint(const NSView& view) { return view.window()->backingScaleFactor(); }
 
-void collect(const NSView& view, const NSView& content, Json& into) {
+// The texts of the first column.
+Json rows(NSTableView& table) {
+    constexpr long kMost = 100;
+    Json texts = Json::array();
+    const auto source = table.dataSource();
+    const long count = source ? std::min(source->numberOfRowsInTableView(table), kMost) : 0;
+    for (long row = 0; row < count; ++row)
+        texts.push_back(
+            source->tableView_objectValueForTableColumn_row(table, *table.tableColumns().front(), row));
+    return texts;
+}
+
+void collect(NSView& view, const NSView& content, Json& into) {
     const double scale = pixelsPerPoint(content);
     if (view.isHidden()) return;
+    if (auto* const table = dynamic_cast<NSTableView*>(&view)) {
+        into["rows"] = rows(*table);
+        return;
+    }
     if (const auto* const button = dynamic_cast<const NSButton*>(&view)) {
         const NSRect rect = view.convertRect_toView(view.bounds(), &content);
         into["buttons"].push_back({{"title", button->title()},
@@ -74,7 +93,7 @@ void collect(const NSView& view, const NSView& content, Json& into) {
 
 Json panel(const NSWindow* window) {
     if (!window || !window->isVisible()) return nullptr;
-    const auto& content = *window->contentView();
+    auto& content = *window->contentView();
     const NSSize size = content.bounds().size;
     Json result = {{"size", {size.width * pixelsPerPoint(content), size.height * pixelsPerPoint(content)}},
                    {"key", window->isKeyWindow()},

@@ -18,10 +18,9 @@ struct Description {
 };
 
 // One JSON object on one line. Rectangles are [x, y, width, height] in pixels of the screen from its top left,
-// times are in seconds. "window" is the window's content. Views that
-// are hidden are left out. "sheet" and "alert" are null or what such a window shows: its size, whether it
-// has the keyboard, its texts, its
-// progress and its buttons, whose rectangles count from the top left of its content.
+// times are in seconds. "window" is the window's content. Views that are hidden are left out. "sheet" and
+// "alert" are null or what such a window shows: its size, whether it has the keyboard, its texts, its progress,
+// the rows of its table and its buttons, whose rectangles count from the top left of its content.
 std::string describe(const Description& facts, const EditorView& editor);
 
 // The same of the preferences window, under "preferences": null while it is closed, else the place of its

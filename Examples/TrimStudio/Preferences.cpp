@@ -3,33 +3,61 @@
 #include "Preferences.h"
 
 #include <AppKit/NSScreen.h>
+#include <AppKit/NSTableView.h>
+#include <Foundation/Dispatch.h>
 #include <Foundation/NSUserDefaults.h>
 #include <ZRUIKit/KitFoundation.h>
+#include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <utility>
 
 namespace trimstudio {
 
 using namespace zr;
 
+// The kit's pane, which tells when it shows something else.
+class TrustedPane : public ZRTrustedPathViewCtl {
+public:
+    ZR_CLASS(TrustedPane, ZRTrustedPathViewCtl)
+    void setDidChange(std::function<void()> didChange) { didChange_ = std::move(didChange); }
+    void refreshLoadingUI() override {
+        ZRTrustedPathViewCtl::refreshLoadingUI();
+        changed();
+    }
+    void updateRecoveringPath() override {
+        ZRTrustedPathViewCtl::updateRecoveringPath();
+        if (NSThread::isMainThread()) changed();
+    }
+    long numberOfRowsInTableView(NSTableView& table) override {
+        changed();
+        return ZRTrustedPathViewCtl::numberOfRowsInTableView(table);
+    }
+
+private:
+    void changed() {
+        if (didChange_) didChange_();
+    }
+    std::function<void()> didChange_;
+};
+ZR_CLASS_TABLE(TrustedPane)
+
 // The kit's window, which describes itself here.
 class PreferencesWindow : public MASPreferencesWindowController {
 public:
     ZR_CLASS(PreferencesWindow, MASPreferencesWindowController)
 
-    bool initWithDescribes(bool describes) {
+    bool initWithTrusted_describes(const std::shared_ptr<TrustedPane>& trusted, bool describes) {
         describes_ = describes;
         const auto general = make<GeneralViewController>();
-        general->setDidChange([weak = std::weak_ptr(retained(this))] {
+        const auto describe = [weak = std::weak_ptr(retained(this))] {
             if (const auto self = weak.lock()) self->describeSoon();
-        });
-        return initWithViewControllers_title(
-            {
-                general,
-            },
-            AppLocalizedString("Preferences"));
+        };
+        general->setDidChange(describe);
+        trusted->setDidChange(describe);
+        return initWithViewControllers_title({trusted, general}, AppLocalizedString("Preferences"));
     }
     void awakeFromNib() override {
         window()->setAuxiliary(true);
@@ -84,11 +112,13 @@ Preferences::~Preferences() = default;
 
 bool Preferences::initWithDescribes(bool describes) {
     describes_ = describes;
+    trusted_ = make<TrustedPane>();
     return true;
 }
 
 void Preferences::showPreferences(NSObject* sender) {
-    if (!window_) window_ = make<PreferencesWindow>(&PreferencesWindow::initWithDescribes, describes_);
+    if (!window_)
+        window_ = make<PreferencesWindow>(&PreferencesWindow::initWithTrusted_describes, trusted_, describes_);
     window_->showWindow(sender);
 }
 

@@ -7,8 +7,10 @@
 namespace trimstudio {
 
 class PreferencesWindow;
+class TrustedPane;
 
-// Opens the preferences window: one, made when it is first asked for and kept. Main thread only.
+// Opens the preferences window: one, made when it is first asked for and kept. The folders that the user trusts
+// are restored from the start. Main thread only.
 class Preferences : public zr::NSObject {
 public:
     ZR_CLASS(Preferences, zr::NSObject)
@@ -20,6 +22,7 @@ public:
     void showPreferences(zr::NSObject* sender); // an action: "showPreferences:"
 
 private:
+    std::shared_ptr<TrustedPane> trusted_;
     std::shared_ptr<PreferencesWindow> window_;
     bool describes_ = false;
 };

@@ -1,4 +1,4 @@
-#include "SaveFolder.h"
+#include "SavePlace.h"
 #include "TimeText.h"
 #include "TrimWindow.h"
 #include "Waveform.h"
@@ -340,12 +340,20 @@ void TrimWindow::saveTrimmed(NSObject*) {
     if (!file_ || saving_ || findingStart_) return;
     saved_.reset();
     notice_.clear();
+    const auto held = retained(this);
+    describeSoon();
+    const auto folder = askForSavePlace(path_);
+    if (jobs_->cancelled) return; // the program ended meanwhile
+    if (!folder) {
+        setStatus(AppLocalizedString("Saving was cancelled. Nothing was written."));
+        return;
+    }
     // The handles leave five milliseconds, also of a file that is shorter.
     const auto& selection = *editor_->slider()->selectionItem();
     const double start = std::max(0.0, selection.dStart() / kMillisecondsPerSecond);
     const double length = std::min(selection.dLength() / kMillisecondsPerSecond, file_->duration - start);
     const std::weak_ptr<TrimWindow> weak = retained(this);
-    saving_ = std::make_shared<Saving>(TrimRequest{path_, start, length, saveFolder()}, window_,
+    saving_ = std::make_shared<Saving>(TrimRequest{path_, start, length, folder}, window_,
                                        Saving::Notices{.changed =
                                                            [weak] {
                                                                if (const auto self = weak.lock())

@@ -1,4 +1,5 @@
 #include "Bookmark.h"
+#include "FileQuestions.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +12,7 @@
 #include <linux/magic.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -60,9 +62,19 @@ std::optional<std::string> takeText(std::string_view& bytes) {
     return text;
 }
 
-// Where the handle of a file system outlives its mounting. One that another program provides makes up numbers
-// while it runs.
-bool hasLastingHandles(const struct statfs& system) { return system.f_type != FUSE_SUPER_MAGIC; }
+// Whether an item has the same number, and the same handle, the next time its file system is mounted. Some make
+// them up as they go.
+bool hasLastingNumbers(const struct statfs& system) {
+    constexpr std::array<std::uint32_t, 3> kMadeUp = {FUSE_SUPER_MAGIC, MSDOS_SUPER_MAGIC,
+                                                      0x2011BAB0 /* exFAT */};
+    return std::ranges::find(kMadeUp, static_cast<std::uint32_t>(system.f_type)) == kMadeUp.end();
+}
+
+// Some give the number of their device out as their id, which is another one where they are plugged in next.
+bool isDeviceNumber(std::uint64_t id, std::uint64_t device) {
+    const std::uint64_t high = major(device), low = minor(device);
+    return id == ((low & 0xFF) | high << 8 | (low & ~std::uint64_t(0xFF)) << 12);
+}
 
 std::optional<std::string> handleOf(int descriptor) {
     alignas(file_handle) std::array<char, sizeof(file_handle) + MAX_HANDLE_SZ> room{};
@@ -76,23 +88,32 @@ std::optional<std::string> handleOf(int descriptor) {
     return bytes;
 }
 
-std::optional<std::string> birthOf(int descriptor) {
+struct Birth {
+    std::string number;
+    std::string time;
+};
+
+std::optional<Birth> birthOf(int descriptor) {
     struct statx item {};
     if (statx(descriptor, "", AT_EMPTY_PATH, STATX_BTIME | STATX_INO, &item) != 0) return std::nullopt;
     if (!(item.stx_mask & STATX_BTIME)) return std::nullopt;
-    std::string bytes = "birth";
-    appendNumber(bytes, item.stx_ino, 8);
-    appendNumber(bytes, static_cast<std::uint64_t>(item.stx_btime.tv_sec), 8);
-    appendNumber(bytes, item.stx_btime.tv_nsec, 4);
-    return bytes;
+    Birth birth{"number", "birth"};
+    appendNumber(birth.number, item.stx_ino, 8);
+    appendNumber(birth.time, static_cast<std::uint64_t>(item.stx_btime.tv_sec), 8);
+    appendNumber(birth.time, item.stx_btime.tv_nsec, 4);
+    return birth;
 }
 
 // The disks that stay as long as the program can run.
 std::vector<std::uint64_t> lastingDevices() {
     std::vector<std::uint64_t> devices;
-    for (const char* path : {static_cast<const char*>("/"), static_cast<const char*>(std::getenv("HOME"))}) {
-        struct stat item {};
-        if (path && stat(path, &item) == 0) devices.push_back(item.st_dev);
+    const char* const home = std::getenv("HOME");
+    for (const std::string path : {"/", home ? home : "/"}) {
+        const auto device = FileQuestions::shared().ask<std::optional<std::uint64_t>>(path, [path] {
+            struct stat item {};
+            return stat(path.c_str(), &item) == 0 ? std::optional<std::uint64_t>(item.st_dev) : std::nullopt;
+        });
+        if (device && *device) devices.push_back(**device);
     }
     return devices;
 }
@@ -102,6 +123,14 @@ std::size_t mostKept() {
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 0;
     return std::min<std::size_t>(limit.rlim_cur / 4, kMost);
+}
+
+bool hasZero(const std::string& path) { return path.find('\0') != std::string::npos; }
+
+// Whether a relative path leads nowhere but below where it begins.
+bool staysBelow(const std::string& path) {
+    const std::string text = "/" + path + "/";
+    return !path.starts_with('/') && text.find("/../") == std::string::npos;
 }
 
 } // namespace
@@ -126,8 +155,8 @@ std::optional<Bookmark> decoded(const NSData& data) {
         if (!taken) return std::nullopt;
         *text = std::move(*taken);
     }
-    if (!bytes.empty() || !bookmark.path.starts_with('/') || bookmark.path.find('\0') != std::string::npos)
-        return std::nullopt;
+    if (!bytes.empty() || !bookmark.path.starts_with('/') || hasZero(bookmark.path)) return std::nullopt;
+    if (!staysBelow(bookmark.document) || hasZero(bookmark.document)) return std::nullopt;
     return bookmark;
 }
 
@@ -147,13 +176,18 @@ ItemHandle::~ItemHandle() { close(descriptor_); }
 std::optional<std::string> ItemHandle::identity() const {
     struct statfs system {};
     if (fstatfs(descriptor_, &system) != 0) return std::nullopt;
-    auto item = hasLastingHandles(system) ? handleOf(descriptor_) : std::nullopt;
-    if (!item) item = birthOf(descriptor_);
-    if (!item) return std::nullopt;
-    std::string identity;
     static_assert(sizeof system.f_fsid == 8);
-    appendNumber(identity, std::bit_cast<std::uint64_t>(system.f_fsid), 8);
-    return identity + *item;
+    const auto id = std::bit_cast<std::uint64_t>(system.f_fsid);
+    const bool hasId = !isDeviceNumber(id, device_);
+    std::string identity = "system";
+    appendNumber(identity, hasId ? id : 0, 8);
+    const auto handle = hasLastingNumbers(system) ? handleOf(descriptor_) : std::nullopt;
+    if (handle) identity += *handle;
+    if (handle && hasId) return identity;
+    const auto birth = birthOf(descriptor_);
+    if (!birth) return std::nullopt;
+    if (!handle && hasLastingNumbers(system)) identity += birth->number;
+    return identity + birth->time;
 }
 
 std::optional<std::string> ItemHandle::path() const {

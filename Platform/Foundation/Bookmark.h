@@ -41,8 +41,9 @@ public:
     ItemHandle(const ItemHandle&) = delete;
     ItemHandle& operator=(const ItemHandle&) = delete;
 
-    // The file system's id with the item's handle or, where there are no handles that last, its number with the
-    // time of its birth. Nothing where the file system has neither: numbers alone are given away again.
+    // The file system's id with the item's handle or, where there are no handles, its number with the time of
+    // its birth. What does not last from one mounting to the next does not count; where the id does not, the
+    // time of birth is wanted, too. Nothing where there is too little: numbers alone are given away again.
     std::optional<std::string> identity() const;
     // Where it is now; nothing once it is removed.
     std::optional<std::string> path() const;

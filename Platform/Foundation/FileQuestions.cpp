@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <climits>
 #include <condition_variable>
 #include <cstdlib>
 #include <map>
@@ -26,9 +28,6 @@ constexpr std::array<std::string_view, 41> kOwnFileSystems = {
     "proc",     "pstore",      "ramfs",   "reiserfs", "rootfs",   "securityfs", "squashfs",
     "sysfs",    "tmpfs",       "tracefs", "udf",      "vfat",     "xfs",
 };
-
-// Threads that may be left behind at the same time. While they all are, no question is asked that needs one.
-constexpr std::size_t kMostLost = 4;
 
 // "\040" is a blank, and so on.
 std::string unescaped(std::string_view text) {
@@ -79,13 +78,12 @@ bool liesIn(std::string_view path, std::string_view place) {
 
 } // namespace
 
-MountTable::MountTable(const char* file) : file_(open(file, O_RDONLY | O_CLOEXEC)) {}
-
 MountTable::~MountTable() {
     if (file_ >= 0) close(file_);
 }
 
 const std::vector<std::string>& MountTable::doubtfulPlaces() {
+    if (file_ < 0) file_ = open(name_.c_str(), O_RDONLY | O_CLOEXEC);
     if (file_ < 0) return places_;
     // The kernel tells by an error condition that the table has changed since it was read.
     pollfd change{file_, POLLPRI, 0};
@@ -101,30 +99,54 @@ const std::vector<std::string>& MountTable::doubtfulPlaces() {
     return places_;
 }
 
-// The threads that were left behind; they give themselves back when they are answered after all.
+std::optional<std::string> placeOnTheWay(std::string_view path, const std::vector<std::string>& places) {
+    if (places.empty()) return std::nullopt;
+    constexpr int kMostLinks = 40; // as many as the system follows
+    std::array<char, PATH_MAX> text{};
+    std::string rest(path), way; // still to go, and gone, without links in it
+    if (!rest.starts_with('/') && getcwd(text.data(), text.size())) way = text.data();
+    for (int links = 0; !rest.empty();) {
+        const auto slash = std::min(rest.find('/'), rest.size());
+        const std::string name = rest.substr(0, slash);
+        rest.erase(0, slash + 1);
+        if (name == "..") way.resize(std::min(way.rfind('/'), way.size()));
+        if (name.empty() || name == "." || name == "..") continue;
+        const auto before = way.size();
+        way += '/';
+        way += name;
+        const auto place = std::ranges::find_if(places, [&](const auto& each) { return liesIn(way, each); });
+        if (place != places.end()) return *place;
+        const ssize_t length = readlink(way.c_str(), text.data(), text.size());
+        if (length < 0 && errno == EINVAL) continue; // no link
+        if (length < 0 || ++links > kMostLinks) return std::nullopt;
+        const std::string target(text.data(), static_cast<std::size_t>(length));
+        way.resize(target.starts_with('/') ? 0 : before);
+        rest = target + "/" + rest;
+    }
+    return std::nullopt;
+}
+
+// The places that still owe an answer to a thread that was left behind.
 struct FileQuestions::Lost {
     std::mutex lock;
-    std::map<std::string, std::size_t> countAt; // guarded by lock, like the sum
-    std::size_t count = 0;
+    std::map<std::string, int> countAt; // guarded by lock
 
     bool mayAsk(const std::string& place) {
         const std::lock_guard guard(lock);
-        return count < kMostLost && (place.empty() || !countAt.contains(place));
+        return !countAt.contains(place);
     }
     void add(const std::string& place) {
         const std::lock_guard guard(lock);
         ++countAt[place];
-        ++count;
     }
     void remove(const std::string& place) {
         const std::lock_guard guard(lock);
         if (--countAt[place] == 0) countAt.erase(place);
-        --count;
     }
 };
 
-FileQuestions::FileQuestions(std::chrono::milliseconds patience, const char* mountTable)
-    : patience_(patience), mounts_(mountTable), lost_(std::make_shared<Lost>()) {}
+FileQuestions::FileQuestions(std::chrono::milliseconds patience, std::string mountTable)
+    : patience_(patience), mounts_(std::move(mountTable)), lost_(std::make_shared<Lost>()) {}
 
 // Leaked on purpose: threads may ask until the process is gone.
 FileQuestions& FileQuestions::shared() {
@@ -132,14 +154,9 @@ FileQuestions& FileQuestions::shared() {
     return *questions;
 }
 
-std::optional<std::string> FileQuestions::doubt(std::string_view path) {
+std::vector<std::string> FileQuestions::doubtfulPlaces() {
     const std::lock_guard guard(lock_);
-    const auto& places = mounts_.doubtfulPlaces();
-    if (places.empty()) return std::nullopt;
-    std::string_view innermost;
-    for (const auto& place : places)
-        if (liesIn(path, place) && place.size() > innermost.size()) innermost = place;
-    return std::string(innermost);
+    return mounts_.doubtfulPlaces();
 }
 
 bool FileQuestions::askElsewhere(const std::string& place, std::function<void()> question) {

@@ -17,7 +17,7 @@ namespace zr {
 // Where the file systems that may not answer are mounted.
 class MountTable {
 public:
-    explicit MountTable(const char* file = "/proc/self/mountinfo");
+    explicit MountTable(std::string file) : name_(std::move(file)) {}
     ~MountTable();
     MountTable(const MountTable&) = delete;
     MountTable& operator=(const MountTable&) = delete;
@@ -26,10 +26,15 @@ public:
     const std::vector<std::string>& doubtfulPlaces();
 
 private:
-    int file_;
+    const std::string name_;
+    int file_ = -1;
     bool isRead_ = false;
     std::vector<std::string> places_;
 };
+
+// Which of the places the path leads into first, links followed; nothing when it leads into none. Looks at no
+// file system behind them.
+std::optional<std::string> placeOnTheWay(std::string_view path, const std::vector<std::string>& places);
 
 class FileQuestions {
 public:
@@ -37,14 +42,14 @@ public:
     static FileQuestions& shared();
 
     explicit FileQuestions(std::chrono::milliseconds patience = std::chrono::seconds(2),
-                           const char* mountTable = "/proc/self/mountinfo");
+                           std::string mountTable = "/proc/self/mountinfo");
 
     // What the question answers; nothing when that takes longer than the patience, and at once while another
-    // question to the same file system has not been answered. The question is asked on this thread, unless some
-    // mounted file system may not answer: any path can lead there by a link. It must own what it uses.
+    // question to the same file system has not been answered. The question is asked on this thread, unless its
+    // path leads to a file system that may not answer: it must own what it uses.
     template <class Answer>
     std::optional<Answer> ask(std::string_view path, std::function<Answer()> question) {
-        const std::optional<std::string> place = doubt(path);
+        const std::optional<std::string> place = placeOnTheWay(path, doubtfulPlaces());
         if (!place) return question();
         const auto answer = std::make_shared<std::optional<Answer>>();
         const bool came =
@@ -56,8 +61,7 @@ public:
 private:
     struct Lost;
 
-    // Nothing: ask at once. Else the doubtful place in which the path lies by its text, empty for any other.
-    std::optional<std::string> doubt(std::string_view path);
+    std::vector<std::string> doubtfulPlaces();
     bool askElsewhere(const std::string& place, std::function<void()> question);
 
     const std::chrono::milliseconds patience_;

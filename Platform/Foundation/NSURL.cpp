@@ -122,6 +122,7 @@ NSURL NSURL::fileURLWithPath(std::string_view path) {
     if (!path.starts_with('/')) {
         std::error_code gone;
         absolute = fs::current_path(gone).string();
+        if (gone) absolute = "/dev/null"; // below which there is nothing, as in a folder that was removed
         absolute += '/';
         absolute += path;
     }

@@ -9,8 +9,9 @@
 //   files_probe FILE exit KEY VALUE     sets, and leaves the program by exit()
 //   files_probe FILE look PATH          prints whether it is there, and whether it is writable
 //   files_probe FILE bookmark PATH...   prints the data of a bookmark of each
-//   files_probe FILE resolve DATA...    prints for each where it leads and whether it is stale, or the error's
-//   code files_probe FILE hold DATA...       the same, and holds them until its input ends
+//   files_probe FILE resolve DATA...    prints where each leads and whether it is stale, or the error
+//   files_probe FILE hold DATA...       the same, and holds them until its input ends
+//   files_probe FILE again DATA...      the same, and the same again after a line of input
 
 #include <Foundation/NSFileManager.h>
 #include <Foundation/NSURL.h>
@@ -185,15 +186,23 @@ int hold(NSUserDefaults& defaults, Words words) {
     return std::getchar() == EOF ? 0 : 1;
 }
 
+int again(NSUserDefaults& defaults, Words words) {
+    resolve(defaults, words);
+    std::fflush(stdout);
+    while (std::getchar() != '\n')
+        if (std::feof(stdin)) return 1;
+    return resolve(defaults, words);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     constexpr auto kAny = std::numeric_limits<std::size_t>::max();
     const std::map<std::string_view, std::pair<int (*)(NSUserDefaults&, Words), std::size_t>> verbs = {
-        {"loop", {&loop, 0}},   {"write", {&write, 3}},          {"types", {&types, 0}},
-        {"set", {&set, 2}},     {"calls", {&calls, 0}},          {"exit", {&leave, 2}},
-        {"look", {&look, 1}},   {"bookmark", {&bookmark, kAny}}, {"resolve", {&resolve, kAny}},
-        {"hold", {&hold, kAny}}};
+        {"loop", {&loop, 0}},    {"write", {&write, 3}},          {"types", {&types, 0}},
+        {"set", {&set, 2}},      {"calls", {&calls, 0}},          {"exit", {&leave, 2}},
+        {"look", {&look, 1}},    {"bookmark", {&bookmark, kAny}}, {"resolve", {&resolve, kAny}},
+        {"hold", {&hold, kAny}}, {"again", {&again, kAny}}};
     const Words words(argv, static_cast<std::size_t>(argc));
     const auto verb = argc < 3 ? verbs.end() : verbs.find(argv[2]);
     if (verb == verbs.end()) return 2;

@@ -20,6 +20,28 @@ using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// Its restore begins when the test says so.
+class HeldPane : public ZRTrustedPathViewCtl {
+public:
+    ZR_CLASS(HeldPane, ZRTrustedPathViewCtl)
+    void asyncLoadDefaultBookMarksWithLaunch() override {
+        if (isReleased)
+            ZRTrustedPathViewCtl::asyncLoadDefaultBookMarksWithLaunch();
+        else
+            isDue = true;
+    }
+    void release() {
+        isReleased = true;
+        if (isDue) asyncLoadDefaultBookMarksWithLaunch();
+    }
+    bool isReleased = false, isDue = false;
+};
+ZR_CLASS_TABLE(HeldPane)
+
+} // namespace
+
 class QtTrustedFolders : public testing::Test {
 protected:
     void SetUp() override {
@@ -30,7 +52,7 @@ protected:
         }
         fs::create_directory(folder_.path() / "four");
         NSUserDefaults::standardUserDefaults()->setObject_forKey(bookmarks, "BookmarksKey");
-        pane_ = make<ZRTrustedPathViewCtl>();
+        pane_ = make<HeldPane>();
         preferences_ =
             make<MASPreferencesWindowController>(&MASPreferencesWindowController::initWithViewControllers,
                                                  MASPreferencesWindowController::Controllers{pane_});
@@ -86,6 +108,7 @@ protected:
         return all;
     }
     bool waitUntilRestored() const {
+        pane_->release();
         return QTest::qWaitFor([this] { return !pane_->isAsyncLoading(); }, 20'000);
     }
     static std::size_t storedCount() {
@@ -94,7 +117,7 @@ protected:
 
     const test::TemporaryFolder folder_;
     zr::qt::Platform platform_;
-    std::shared_ptr<ZRTrustedPathViewCtl> pane_;
+    std::shared_ptr<HeldPane> pane_;
     std::shared_ptr<MASPreferencesWindowController> preferences_;
 };
 
@@ -121,6 +144,7 @@ TEST_F(QtTrustedFolders, MayBeCancelled) {
     EXPECT_TRUE(pane_->loadingCanceled());
     EXPECT_FALSE(button("Cancel")->isVisible());
     EXPECT_EQ(storedCount(), 2u);
+    pane_->release();
     EXPECT_TRUE(QTest::qWaitFor([this] { return pane_->loadingItems().size() == 2; }, 20'000));
     EXPECT_THAT(rows(), IsEmpty());
 }

@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+#include <stdlib.h>
+
 namespace zr::test {
 
 namespace fs = std::filesystem;
@@ -64,7 +66,10 @@ public:
 
 class TrustedFoldersTest : public testing::Test {
 protected:
-    void SetUp() override { launch(); }
+    void SetUp() override {
+        setenv("HOME", folder_.path().c_str(), 1); // its disk is one on which folders are followed
+        launch();
+    }
     void TearDown() override { DDLog::removeAllLoggers(); }
 
     // As when the program starts, with nothing stored.

@@ -219,6 +219,8 @@ TEST_F(Authorizing, RecordsNothingWithoutAnInstance) {
             answerAlert(true);
             choose();
             const bool authorized = authorize({close("a")});
+            TearDown();
+            fs::remove_all(folder_.path());
             const bool isClean = !ZRTrustedPathViewCtl::sharedInstance() && storedNames().empty();
             std::exit(authorized && isClean && !HasFailure() ? 0 : 1);
         },

@@ -25,11 +25,12 @@ public:
         std::unique_lock guard(lock_);
         stoppedAt_ = entry;
         changed_.notify_all();
-        changed_.wait(guard, [&] { return !stoppedAt_; });
+        changed_.wait_for(guard, kDeadline, [&] { return !stoppedAt_; });
     }
     void waitFor(int entry) {
         std::unique_lock guard(lock_);
-        changed_.wait(guard, [&] { return stoppedAt_ == entry; });
+        if (!changed_.wait_for(guard, kDeadline, [&] { return stoppedAt_ == entry; }))
+            throw std::runtime_error("the background did not come to entry " + std::to_string(entry));
     }
     void go() {
         const std::lock_guard guard(lock_);
@@ -38,6 +39,7 @@ public:
     }
 
 private:
+    static constexpr auto kDeadline = std::chrono::seconds(60);
     std::mutex lock_;
     std::condition_variable changed_;
     std::optional<int> stoppedAt_;
@@ -522,29 +524,32 @@ TEST_F(TrustedPane, ClosesWithThePreferencesWindowWhileItRestores) {
 
 // With a real thread in the background, which the user cancels in its midst.
 TEST_F(TrustedPane, SharesNothingUnguardedWithTheBackground) {
-    headless::Options options;
-    options.workerThread = true;
-    launch(options);
+    launchWithStops();
     std::vector<std::string> all;
     for (int i = 0; i < 300; ++i) all.push_back(std::to_string(i));
     storeFolders(all);
-    const auto pane = zr::make<ZRTrustedPathViewCtl>();
-    static_cast<void>(pane->view());
+    create();
+    static_cast<void>(pane_->view());
+    pane_->atEntry = [this](int entry) {
+        if (entry == 200) stops_.stop(entry);
+    };
     platform_->advance(0.3);
-    while (pane->lastRecoverIndex() < 100) {
+    while (pane_->lastRecoverIndex() < 200) {
         platform_->runMainQueue();
-        static_cast<void>(pane->loadingItems().size());
-        static_cast<void>(pane->lastRecoverPath());
+        static_cast<void>(pane_->loadingItems().size());
+        static_cast<void>(pane_->lastRecoverPath());
     }
-    pane->loadingCancelClick(nullptr);
-    const auto listed = names(pane->aryItems());
-    EXPECT_GE(listed.size(), 100u);
-    EXPECT_TRUE(std::equal(listed.begin(), listed.end(), all.begin()));
+    stops_.waitFor(200);
+    stops_.go();
+    pane_->loadingCancelClick(nullptr); // while it goes on
+    const auto listed = names(pane_->aryItems());
+    EXPECT_GE(listed.size(), 200u);
+    EXPECT_LE(listed.size(), 300u);
+    EXPECT_TRUE(std::equal(listed.begin(), listed.end(), all.begin(), all.begin() + long(listed.size())));
     EXPECT_EQ(stored().size(), 299u);
-    platform_->runGlobalQueue();
     platform_->runUntilIdle();
-    EXPECT_EQ(names(pane->aryItems()), listed);
-    EXPECT_FALSE(pane->isAsyncLoading());
+    EXPECT_EQ(names(pane_->aryItems()), listed);
+    EXPECT_FALSE(pane_->isAsyncLoading());
 }
 
 } // namespace zr

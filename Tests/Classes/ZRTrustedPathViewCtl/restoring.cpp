@@ -283,6 +283,12 @@ TEST_F(TrustedFolders, AreAddedToWhatIsStoredNotToWhatIsListed) {
     EXPECT_THAT(storedNames(), ElementsAre("c"));
 }
 
+TEST_F(TrustedFolders, MayBeSetToThemselves) {
+    pane_->setAryItems({url("a"), url("b")});
+    pane_->setAryItems(pane_->aryItems());
+    EXPECT_THAT(names(pane_->aryItems()), ElementsAre("a", "b"));
+}
+
 TEST_F(TrustedFolders, GiveACopyOfTheirList) {
     make("a");
     pane_->addToBookmarkWithURL(url("a"));
