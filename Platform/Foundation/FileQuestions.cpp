@@ -126,27 +126,16 @@ std::optional<std::string> placeOnTheWay(std::string_view path, const std::vecto
     return std::nullopt;
 }
 
-// The places that still owe an answer to a thread that was left behind.
-struct FileQuestions::Lost {
+// What outlives whoever asks. Everything is guarded by the lock.
+struct FileQuestions::Shared {
     std::mutex lock;
-    std::map<std::string, int> countAt; // guarded by lock
-
-    bool mayAsk(const std::string& place) {
-        const std::lock_guard guard(lock);
-        return !countAt.contains(place);
-    }
-    void add(const std::string& place) {
-        const std::lock_guard guard(lock);
-        ++countAt[place];
-    }
-    void remove(const std::string& place) {
-        const std::lock_guard guard(lock);
-        if (--countAt[place] == 0) countAt.erase(place);
-    }
+    std::condition_variable changed;
+    std::map<std::string, int> lostAt; // threads that were left behind, by the place that still owes an answer
+    bool waits = true;
 };
 
 FileQuestions::FileQuestions(std::chrono::milliseconds patience, std::string mountTable)
-    : patience_(patience), mounts_(std::move(mountTable)), lost_(std::make_shared<Lost>()) {}
+    : patience_(patience), mounts_(std::move(mountTable)), shared_(std::make_shared<Shared>()) {}
 
 // Leaked on purpose: threads may ask until the process is gone.
 FileQuestions& FileQuestions::shared() {
@@ -159,32 +148,37 @@ std::vector<std::string> FileQuestions::doubtfulPlaces() {
     return mounts_.doubtfulPlaces();
 }
 
+void FileQuestions::setWaits(bool waits) {
+    const std::lock_guard guard(shared_->lock);
+    shared_->waits = waits;
+    shared_->changed.notify_all();
+}
+
 bool FileQuestions::askElsewhere(const std::string& place, std::function<void()> question) {
-    struct Wait {
-        std::mutex lock;
-        std::condition_variable changed;
-        bool isAnswered = false; // guarded by lock, like isLost
+    struct Answer {
+        bool isThere = false; // guarded by the lock, like isLost
         bool isLost = false;
     };
-    if (!lost_->mayAsk(place)) return false;
-    const auto wait = std::make_shared<Wait>();
+    std::unique_lock guard(shared_->lock);
+    if (!shared_->waits || shared_->lostAt.contains(place)) return false;
+    const auto answer = std::make_shared<Answer>();
     try {
-        std::thread([wait, lost = lost_, place, question = std::move(question)]() mutable {
+        std::thread([answer, shared = shared_, place, question = std::move(question)]() mutable {
             pthread_setname_np(pthread_self(), "ZRUIKit files");
             question();
             question = nullptr;
-            const std::lock_guard guard(wait->lock);
-            wait->isAnswered = true;
-            if (wait->isLost) lost->remove(place);
-            wait->changed.notify_one();
+            const std::lock_guard held(shared->lock);
+            answer->isThere = true;
+            if (answer->isLost && --shared->lostAt[place] == 0) shared->lostAt.erase(place);
+            shared->changed.notify_all();
         }).detach();
     } catch (const std::system_error&) {
         return false; // no thread to be had
     }
-    std::unique_lock guard(wait->lock);
-    if (wait->changed.wait_for(guard, patience_, [&] { return wait->isAnswered; })) return true;
-    wait->isLost = true;
-    lost_->add(place);
+    shared_->changed.wait_for(guard, patience_, [&] { return answer->isThere || !shared_->waits; });
+    if (answer->isThere) return true;
+    answer->isLost = true;
+    ++shared_->lostAt[place];
     return false;
 }
 

@@ -58,8 +58,11 @@ public:
         return std::move(*answer);
     }
 
+    // Whether file systems that may not answer are waited for at all; they are at first.
+    void setWaits(bool waits);
+
 private:
-    struct Lost;
+    struct Shared;
 
     std::vector<std::string> doubtfulPlaces();
     bool askElsewhere(const std::string& place, std::function<void()> question);
@@ -67,7 +70,7 @@ private:
     const std::chrono::milliseconds patience_;
     std::mutex lock_;
     MountTable mounts_; // guarded by lock_
-    const std::shared_ptr<Lost> lost_;
+    const std::shared_ptr<Shared> shared_;
 };
 
 } // namespace zr

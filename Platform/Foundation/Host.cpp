@@ -1,3 +1,4 @@
+#include "FileQuestions.h"
 #include "HostState.h"
 
 #include <algorithm>
@@ -149,7 +150,12 @@ std::shared_ptr<HostState> current() {
     return state;
 }
 
-void install(Host host) { replace(makeState(std::move(host))); }
+void install(Host host) {
+    FileQuestions::shared().setWaits(true);
+    replace(makeState(std::move(host)));
+}
+
+void stopWaiting() { FileQuestions::shared().setWaits(false); }
 
 void uninstall() { replace(nullptr); }
 

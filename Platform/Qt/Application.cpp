@@ -29,6 +29,7 @@ Platform::~Platform() {
     parts_->system.setClient(nullptr);
     port::uninstall();
     endHosting();
+    backend::stopWaiting();
     parts_->queues->finish();
     // Widgets that were let go of go now, while Qt is still there.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -4,6 +4,7 @@ import contextlib
 import json
 import os
 import pathlib
+import plistlib
 import queue
 import re
 import subprocess
@@ -30,6 +31,18 @@ def wait_until(what, condition, deadline=DEADLINE, pause=0.01):
         if time.monotonic() > end:
             raise Timeout(f"waited {deadline} s for {what}")
         time.sleep(pause)
+
+
+def store(desktop, values):
+    """What TrimStudio will find in its user defaults."""
+    folder = pathlib.Path(desktop.environment["XDG_CONFIG_HOME"])
+    folder.mkdir(exist_ok=True)
+    (folder / "TrimStudio.plist").write_bytes(plistlib.dumps(values, fmt=plistlib.FMT_BINARY))
+
+
+def stored(desktop):
+    """What TrimStudio has left in its user defaults."""
+    return plistlib.loads(pathlib.Path(desktop.environment["XDG_CONFIG_HOME"], "TrimStudio.plist").read_bytes())
 
 
 class Desktop(contextlib.ExitStack):

@@ -2,12 +2,11 @@
 """TrimStudio's menu and preferences, used by a real pointer and a real keyboard; what is kept is read by Python's plistlib."""
 
 import pathlib
-import plistlib
 import re
 import sys
 import unittest
 
-from desktop import WaylandDesktop, wait_until
+from desktop import WaylandDesktop, store, stored, wait_until
 from trimming import SOUND, TrimmingTest
 
 PANE = "GeneralViewController"
@@ -18,6 +17,7 @@ class PreferencesTest(TrimmingTest):
         super().setUp()
         self.clips = self.folder / "clips"
         self.clips.mkdir()
+        store(self.desktop, {"MASPreferences Selected Identifier View": PANE})
 
     def open_by_key(self, studio):
         self.desktop.pointer("key", "ctrl+comma")
@@ -31,7 +31,7 @@ class PreferencesTest(TrimmingTest):
         return set(self.desktop.run("xdotool", "search", "--onlyvisible", "--all", "--pid", str(studio.process.pid), *criteria).split())
 
     def stored(self):
-        return plistlib.loads(pathlib.Path(self.desktop.environment["XDG_CONFIG_HOME"], "TrimStudio.plist").read_bytes())
+        return stored(self.desktop)
 
     def choose_by_keyboard(self, studio, folder):
         """In the dialog, which is open, or about to be."""
@@ -101,7 +101,10 @@ class OnX11(PreferencesTest):
         self.clips.rmdir()
         studio = self.open()
         studio.click("saveButton")
-        studio.wait("the complaint", lambda d: d["message"] == "The folder “clips” no longer exists.")
+        asked = studio.wait("the question", lambda d: d["alert"] and d["alert"]["key"])["alert"]
+        self.assertIn("“take.wav” cannot be saved in “clips”.", asked["texts"])
+        self.desktop.pointer("key", "Escape")
+        studio.wait("the end of the question", lambda d: not d["alert"])
         shown = self.open_by_key(studio)
         self.assertIn(str(self.clips), shown["texts"])
         self.click_button(studio, "Use Recording’s Folder")

@@ -753,20 +753,6 @@ class BadInput(TrimmingTest):
         secret.chmod(0)
         self.expect_complaint(secret, "secret.wav", wrapper=WITHOUT_ROOTS_POWERS)
 
-    def test_a_folder_that_may_not_be_written(self):
-        source = self.make("take.wav", SOUND)
-        self.folder.chmod(0o555)
-        self.addCleanup(self.folder.chmod, 0o755)
-        studio = self.start(source, wrapper=WITHOUT_ROOTS_POWERS)
-        studio.wait_until_ready()
-        studio.click("saveButton")
-        failed = studio.wait("the complaint", lambda d: d["message"] and not d["message"].startswith("Saving"))
-        self.assertIsNone(failed["saved"])
-        self.assertTrue(failed["views"]["saveButton"]["enabled"])
-        self.assertEqual(studio.close(), 1)
-        self.assertIn(failed["message"], "".join(studio.errors))
-        self.assert_nothing_left_over("take.wav")
-
     def test_one_bad_file_of_two_does_not_count(self):
         good = self.make("good.wav", SOUND)
         studio = self.start(self.folder / "nowhere.wav", good)

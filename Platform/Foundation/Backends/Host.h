@@ -46,6 +46,9 @@ struct Host {
 };
 
 void install(Host host);
+// The program is about to end: what is being done in the background waits no more for file systems that do not
+// answer. From then on nothing there can be had until another host is installed.
+void stopWaiting();
 void uninstall();
 
 } // namespace zr::backend

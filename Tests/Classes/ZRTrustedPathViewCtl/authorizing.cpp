@@ -1,13 +1,10 @@
+#include "Support/RootsPowers.h"
 #include "TrustedFoldersTest.h"
 
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSButton.h>
 #include <AppKit/NSWindow.h>
-
-#include <linux/capability.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace zr {
 
@@ -19,13 +16,6 @@ using testing::IsEmpty;
 namespace {
 
 const bool wasNoneAtFirst = ZRTrustedPathViewCtl::sharedInstance() == nullptr;
-
-// Root may write everywhere; what is tested here is what others may not.
-void giveUpRootsPowers() {
-    __user_cap_header_struct head{_LINUX_CAPABILITY_VERSION_3, 0};
-    __user_cap_data_struct powers[2]{};
-    if (syscall(SYS_capset, &head, powers) != 0) throw std::runtime_error("the powers cannot be given up");
-}
 
 class Item : public NSObject, public FileItem {
 public:
@@ -40,7 +30,7 @@ ZR_CLASS_TABLE(Item)
 class Authorizing : public test::TrustedFoldersTest {
 protected:
     void SetUp() override {
-        giveUpRootsPowers();
+        test::giveUpRootsPowers();
         TrustedFoldersTest::SetUp();
     }
     void TearDown() override {

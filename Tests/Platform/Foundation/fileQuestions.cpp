@@ -159,6 +159,20 @@ TEST_F(Questions, AreAskedAgainAfterAnAnswer) {
     EXPECT_EQ(answer, 3);
 }
 
+TEST_F(Questions, AreGivenUpWhenNobodyWaits) {
+    FileQuestions questions(1h, table(kTable));
+    std::optional<int> answer = 0;
+    std::thread asker([&] { answer = questions.ask<int>("/mnt/nas/a", silent()); });
+    while (asked() == 0) std::this_thread::yield();
+    questions.setWaits(false);
+    asker.join();
+    EXPECT_EQ(answer, std::nullopt);
+    EXPECT_EQ(questions.ask<int>("/mnt/with blank\tand\\/x", [] { return 1; }), std::nullopt);
+    EXPECT_EQ(questions.ask<int>("/home", [] { return 1; }), 1);
+    questions.setWaits(true);
+    EXPECT_EQ(questions.ask<int>("/mnt/with blank\tand\\/x", [] { return 1; }), 1);
+}
+
 TEST_F(Questions, MayOutliveWhoAsked) {
     {
         FileQuestions questions(1ms, table(kTable));
