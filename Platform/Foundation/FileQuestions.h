@@ -22,8 +22,9 @@ public:
     MountTable(const MountTable&) = delete;
     MountTable& operator=(const MountTable&) = delete;
 
-    // As they are now. Not for two threads at once.
-    const std::vector<std::string>& doubtfulPlaces();
+    // As they are now, and whether they may have changed since they were last asked for. Not for two threads at
+    // once.
+    const std::vector<std::string>& doubtfulPlaces(bool* hasChanged = nullptr);
 
 private:
     const std::string name_;
@@ -49,7 +50,7 @@ public:
     // path leads to a file system that may not answer: it must own what it uses.
     template <class Answer>
     std::optional<Answer> ask(std::string_view path, std::function<Answer()> question) {
-        const std::optional<std::string> place = placeOnTheWay(path, doubtfulPlaces());
+        const std::optional<std::string> place = placeFor(path);
         if (!place) return question();
         const auto answer = std::make_shared<std::optional<Answer>>();
         const bool came =
@@ -64,12 +65,15 @@ public:
 private:
     struct Shared;
 
-    std::vector<std::string> doubtfulPlaces();
+    std::optional<std::string> placeFor(std::string_view path);
     bool askElsewhere(const std::string& place, std::function<void()> question);
 
     const std::chrono::milliseconds patience_;
     std::mutex lock_;
-    MountTable mounts_; // guarded by lock_
+    MountTable mounts_; // guarded by lock_, like what was found last, which several questions in a row need
+    std::string lastPath_;
+    std::optional<std::string> lastPlace_;
+    std::chrono::steady_clock::time_point lastUntil_;
     const std::shared_ptr<Shared> shared_;
 };
 
