@@ -14,6 +14,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QEventLoop>
 #include <QLabel>
 #include <QMainWindow>
 #include <QStackedWidget>
@@ -22,6 +23,7 @@
 #include <QToolBar>
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -153,6 +155,47 @@ void callTheSystem(benchmark::State& state) {
             require(stat(path, &item) == 0, "stat");
         }
     }
+}
+
+// How much later than due the window comes to other things, at worst, while the folders are restored and the
+// overlay follows; and while nothing is done for as long.
+
+void waitForAnEvent(benchmark::State& state) {
+    constexpr auto kPause = std::chrono::milliseconds(200), kProbe = std::chrono::milliseconds(5);
+    store(folders().first(int(state.range(0))));
+    const auto pane = make<QuietPane>();
+    const auto window =
+        make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSRect{{0, 0}, {520, 320}},
+                       NSWindowStyleMaskTitled, NSBackingStoreBuffered, false);
+    window->setContentView(pane->view());
+    window->makeKeyAndOrderFront(nullptr);
+    settle();
+    for (auto _ : state) {
+        QEventLoop loop;
+        Clock::duration longest{};
+        auto due = Clock::now() + kProbe;
+        QTimer probe;
+        probe.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&probe, &QTimer::timeout, [&] {
+            const auto now = Clock::now();
+            longest = std::max(longest, now - due);
+            due = now + kProbe;
+        });
+        probe.start(kProbe);
+        std::size_t restored = 0;
+        if (state.range(0))
+            pane->asyncLoadDefaultsBookmarks([&](const auto& found) {
+                restored = found.size();
+                loop.quit();
+            });
+        else
+            QTimer::singleShot(kPause, &loop, &QEventLoop::quit);
+        loop.exec();
+        require(restored == std::size_t(state.range(0)), "a folder that was not restored");
+        state.SetIterationTime(std::chrono::duration<double>(longest).count());
+    }
+    window->close();
+    settle();
 }
 
 // One folder more.
@@ -350,6 +393,8 @@ int main(int argc, char** argv) {
         add(restore + "/trusted folders", restoreFolders)->Arg(count)->UseManualTime()->Iterations(times);
         add(restore + "/system calls", callTheSystem)->Arg(count)->Iterations(times);
     }
+    for (const int count : {0, kMany})
+        add("wait/" + std::to_string(count), waitForAnEvent)->Arg(count)->UseManualTime()->Iterations(1);
     add("add/trusted folder", addAFolder)->Iterations(3);
     add("add/rewriting the list", rewriteTheList)->Iterations(3);
     for (const int count : {0, kMany}) {
@@ -364,7 +409,7 @@ int main(int argc, char** argv) {
         add("launch/" + std::to_string(count),
             [program](benchmark::State& state) { launchProgram(state, program); })
             ->Arg(count)
-            ->Iterations(2)
+            ->Iterations(8)
             ->UseRealTime();
     QApplication application(argc, argv);
     zr::qt::Options options;

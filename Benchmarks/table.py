@@ -66,11 +66,28 @@ def rows_of_dialogs(best):
     return [(name, best[ours, "time"], best[peer, "time"], "us", None) for name, ours, peer in pairs]
 
 
+def rows_of_folders(best):
+    def row(text, ours, peer, aim=None, times=1):
+        return text, best[ours, "time"], times * best[peer, "time"], "us", aim
+    rows = [row(f"restoring {count:,} folders / the system's calls", f"restore {count}/trusted folders",
+                f"restore {count}/system calls", 2.0) for count in (100, 1000, 10000)]
+    rows.append(row("restoring 10,000 folders / 100 times restoring 100", "restore 10000/trusted folders",
+                    "restore 100/trusted folders", 1.25, 100))
+    rows.append(row("launch with 10,000 folders / with none, until a click is answered", "launch/10000", "launch/0", 1.1))
+    rows.append(row("longest wait of an event while 10,000 folders are restored / idle", "wait/10000", "wait/0"))
+    rows.append(row("adding the 10,001st folder / storing the list anew", "add/trusted folder", "add/rewriting the list"))
+    rows += [row(f"synchronize, {text} / write, flush, rename", f"synchronize {count}/user defaults",
+                 f"synchronize {count}/plain file") for count, text in ((0, "one number"), (10000, "and 10,000 folders"))]
+    rows.append(row("two changes of pane, painted / QStackedWidget", "switch/preferences window", "switch/QStackedWidget"))
+    return rows
+
+
 def main():
     folder, target = sys.argv[1:]
     table = []
     measured = [rows_at(ratio, measure(os.path.join(folder, "slider_benchmarks"), ratio)) for ratio in (1, 2)]
     measured.append(rows_of_dialogs(measure(os.path.join(folder, "dialog_benchmarks"), 1)))
+    measured.append(rows_of_folders(measure(os.path.join(folder, "folder_benchmarks"), 1)))
     for rows in measured:
         for name, ours, peer, unit, aim in rows:
             quotient = ours / peer if peer else None

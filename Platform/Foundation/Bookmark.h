@@ -5,11 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 // What a bookmark's data say, and how an item is known again. Private to Foundation.
@@ -73,7 +73,8 @@ private:
     const std::vector<std::uint64_t> devices_;
     const std::size_t most_;
     mutable std::mutex lock_;
-    std::map<std::string, std::shared_ptr<const ItemHandle>> items_; // guarded by lock_, like their order
+    std::unordered_map<std::string, std::shared_ptr<const ItemHandle>>
+        items_; // guarded by lock_, like their order
     std::deque<std::string> oldestFirst_;
 };
 

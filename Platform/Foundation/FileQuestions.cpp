@@ -82,14 +82,13 @@ MountTable::~MountTable() {
     if (file_ >= 0) close(file_);
 }
 
-const std::vector<std::string>& MountTable::doubtfulPlaces(bool* hasChanged) {
+const std::vector<std::string>& MountTable::doubtfulPlaces() {
     if (file_ < 0) file_ = open(name_.c_str(), O_RDONLY | O_CLOEXEC);
     if (file_ < 0) return places_;
     // The kernel tells by an error condition that the table has changed since it was read.
     pollfd change{file_, POLLPRI, 0};
     if (isRead_ && poll(&change, 1, 0) == 0) return places_;
     isRead_ = true;
-    if (hasChanged) *hasChanged = true;
     places_.clear();
     const std::string text = wholeText(file_);
     for (std::string_view rest = text; !rest.empty();) {
@@ -145,22 +144,23 @@ FileQuestions& FileQuestions::shared() {
 }
 
 std::optional<std::string> FileQuestions::placeFor(std::string_view path) {
-    constexpr auto kLasts = std::chrono::milliseconds(50);
-    std::vector<std::string> places;
-    {
-        const std::lock_guard guard(lock_);
-        bool hasChanged = false;
-        const auto& doubtful = mounts_.doubtfulPlaces(&hasChanged);
-        if (doubtful.empty()) return std::nullopt;
-        if (hasChanged) lastUntil_ = {};
-        if (path == lastPath_ && std::chrono::steady_clock::now() < lastUntil_) return lastPlace_;
-        places = doubtful;
+    // Longer than the few questions that somebody has about one item, shorter than anybody mounts something.
+    constexpr auto kLasts = std::chrono::milliseconds(20);
+    const auto now = std::chrono::steady_clock::now();
+    std::unique_lock guard(lock_);
+    const bool isNew = now >= until_;
+    if (isNew) {
+        places_ = mounts_.doubtfulPlaces();
+        until_ = now + kLasts;
     }
+    if (places_.empty()) return std::nullopt;
+    if (!isNew && path == lastPath_) return lastPlace_;
+    const auto places = places_;
+    guard.unlock();
     auto place = placeOnTheWay(path, places);
-    const std::lock_guard guard(lock_);
+    guard.lock();
     lastPath_ = path;
     lastPlace_ = place;
-    lastUntil_ = std::chrono::steady_clock::now() + kLasts;
     return place;
 }
 

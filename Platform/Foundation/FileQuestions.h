@@ -22,9 +22,8 @@ public:
     MountTable(const MountTable&) = delete;
     MountTable& operator=(const MountTable&) = delete;
 
-    // As they are now, and whether they may have changed since they were last asked for. Not for two threads at
-    // once.
-    const std::vector<std::string>& doubtfulPlaces(bool* hasChanged = nullptr);
+    // As they are now. Not for two threads at once.
+    const std::vector<std::string>& doubtfulPlaces();
 
 private:
     const std::string name_;
@@ -70,10 +69,11 @@ private:
 
     const std::chrono::milliseconds patience_;
     std::mutex lock_;
-    MountTable mounts_; // guarded by lock_, like what was found last, which several questions in a row need
+    MountTable mounts_; // guarded by lock_, like what was last found there and for how long it holds
+    std::vector<std::string> places_;
     std::string lastPath_;
     std::optional<std::string> lastPlace_;
-    std::chrono::steady_clock::time_point lastUntil_;
+    std::chrono::steady_clock::time_point until_;
     const std::shared_ptr<Shared> shared_;
 };
 
