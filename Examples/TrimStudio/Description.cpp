@@ -132,8 +132,8 @@ std::string describe(const Description& facts, const EditorView& editor) {
     views["saveButton"] = button(*editor.saveButton());
     const Json whole = {{"file", facts.file},           {"duration", facts.duration},
                         {"saved", orNull(facts.saved)}, {"message", orNull(facts.message)},
-                        {"sheet", panel(facts.sheet)},  {"alert", panel(facts.alert)},
-                        {"views", std::move(views)}};
+                        {"restoring", facts.restoring}, {"sheet", panel(facts.sheet)},
+                        {"alert", panel(facts.alert)},  {"views", std::move(views)}};
     return line(whole);
 }
 

@@ -13,6 +13,7 @@ struct Description {
     double duration = 0; // seconds
     std::optional<std::string> saved;
     std::optional<std::string> message{};
+    bool restoring = false;        // the folders that the user trusts
     zr::NSWindow* sheet = nullptr; // over this window
     zr::NSWindow* alert = nullptr; // over all of them
 };

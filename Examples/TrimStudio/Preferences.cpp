@@ -52,11 +52,9 @@ public:
     bool initWithTrusted_describes(const std::shared_ptr<TrustedPane>& trusted, bool describes) {
         describes_ = describes;
         const auto general = make<GeneralViewController>();
-        const auto describe = [weak = std::weak_ptr(retained(this))] {
+        general->setDidChange([weak = std::weak_ptr(retained(this))] {
             if (const auto self = weak.lock()) self->describeSoon();
-        };
-        general->setDidChange(describe);
-        trusted->setDidChange(describe);
+        });
         return initWithViewControllers_title({trusted, general}, AppLocalizedString("Preferences"));
     }
     void awakeFromNib() override {
@@ -78,12 +76,6 @@ public:
     void windowDidResignKey(NSWindow&) override { describeSoon(); }
     void windowWillClose(NSWindow&) override { describeSoon(); }
 
-private:
-    void centre() {
-        const NSSize screen = NSScreen::mainScreen().frame().size, size = window()->frame().size;
-        window()->setFrameTopLeftPoint(
-            {std::round((screen.width - size.width) / 2), std::round((screen.height + size.height) / 2)});
-    }
     // Once for all that happens in an event, when it is over.
     void describeSoon() {
         if (!describes_ || std::exchange(descriptionPosted_, true)) return;
@@ -97,6 +89,13 @@ private:
             std::fflush(stdout);
             self->lastDescription_ = std::move(line);
         });
+    }
+
+private:
+    void centre() {
+        const NSSize screen = NSScreen::mainScreen().frame().size, size = window()->frame().size;
+        window()->setFrameTopLeftPoint(
+            {std::round((screen.width - size.width) / 2), std::round((screen.height + size.height) / 2)});
     }
 
     std::string lastDescription_;
@@ -113,6 +112,12 @@ Preferences::~Preferences() = default;
 bool Preferences::initWithDescribes(bool describes) {
     describes_ = describes;
     trusted_ = make<TrustedPane>();
+    trusted_->setDidChange([weak = std::weak_ptr(retained(this))] {
+        const auto self = weak.lock();
+        if (!self) return;
+        if (self->window_) self->window_->describeSoon();
+        if (self->didChange_) self->didChange_();
+    });
     return true;
 }
 

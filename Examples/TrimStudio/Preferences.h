@@ -2,6 +2,7 @@
 
 #include <Foundation/NSObject.h>
 
+#include <functional>
 #include <memory>
 
 namespace trimstudio {
@@ -20,10 +21,13 @@ public:
     // With `describes`, every change of the window is described on standard output.
     bool initWithDescribes(bool describes);
     void showPreferences(zr::NSObject* sender); // an action: "showPreferences:"
+    // What to do when the trusted folders, or their restore, may have changed.
+    void setDidChange(std::function<void()> didChange) { didChange_ = std::move(didChange); }
 
 private:
     std::shared_ptr<TrustedPane> trusted_;
     std::shared_ptr<PreferencesWindow> window_;
+    std::function<void()> didChange_;
     bool describes_ = false;
 };
 

@@ -7,6 +7,7 @@
 #include <Foundation/NSString.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/ZRAlert.h>
+#include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 #include <algorithm>
 #include <cmath>
@@ -457,6 +458,8 @@ void TrimWindow::describeSoon() {
                              .saved = self->saved_};
         if (const auto& message = self->editor_->messageLabel()->stringValue(); !message.empty())
             facts.message = message;
+        const auto trusted = ZRTrustedPathViewCtl::sharedInstance();
+        facts.restoring = trusted && trusted->isAsyncLoading();
         facts.sheet = self->window_->attachedSheet();
         facts.alert = NSApplication::sharedApplication().modalWindow();
         std::string line = describe(facts, *self->editor_);

@@ -39,6 +39,7 @@ public:
     // Whether the last thing that was tried with this file did not work.
     bool failed() const { return failed_; }
     // Asks, while it saves, whether that is to be given up. True where nothing is saved, or is to be.
+    void describeSoon(); // once for all that happens in an event, when it is over
     bool mayStopSaving();
 
     void sliderView_beginDragAt(zr::BaseSliderView& slider, double value) override;
@@ -85,7 +86,6 @@ private:
     void fail(const std::string& text);
     void showMessage();
     void updateButtons();
-    void describeSoon();
 
     std::filesystem::path path_;
     std::optional<MediaFile> file_;

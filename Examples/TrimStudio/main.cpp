@@ -123,6 +123,10 @@ int main(int argc, char** argv) {
     auto& windows = quitter->windows;
     for (const auto& file : arguments.files)
         windows.push_back(zr::make<TrimWindow>(&TrimWindow::initWithPath_describes, file, arguments.describes));
+    preferences->setDidChange([quitter = std::weak_ptr(quitter)] {
+        if (const auto owner = quitter.lock())
+            for (const auto& window : owner->windows) window->describeSoon();
+    });
     for (const auto& window : windows) window->show();
     application.run();
     return windows.size() == 1 && windows.front()->failed() ? 1 : 0;

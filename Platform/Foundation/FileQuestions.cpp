@@ -144,23 +144,22 @@ FileQuestions& FileQuestions::shared() {
 }
 
 std::optional<std::string> FileQuestions::placeFor(std::string_view path) {
-    // Longer than the few questions that somebody has about one item, shorter than anybody mounts something.
+    // As long as the few questions that somebody has about one item. The table is looked at each time: what was
+    // mounted a moment ago may be what does not answer.
     constexpr auto kLasts = std::chrono::milliseconds(20);
-    const auto now = std::chrono::steady_clock::now();
     std::unique_lock guard(lock_);
-    const bool isNew = now >= until_;
-    if (isNew) {
-        places_ = mounts_.doubtfulPlaces();
-        until_ = now + kLasts;
-    }
-    if (places_.empty()) return std::nullopt;
-    if (!isNew && path == lastPath_) return lastPlace_;
-    const auto places = places_;
+    const auto& doubtful = mounts_.doubtfulPlaces();
+    if (doubtful.empty()) return std::nullopt;
+    const auto places = doubtful;
+    const auto now = std::chrono::steady_clock::now();
+    if (path == lastPath_ && places == lastPlaces_ && now < lastUntil_) return lastPlace_;
     guard.unlock();
     auto place = placeOnTheWay(path, places);
     guard.lock();
     lastPath_ = path;
+    lastPlaces_ = places;
     lastPlace_ = place;
+    lastUntil_ = now + kLasts;
     return place;
 }
 

@@ -69,11 +69,12 @@ private:
 
     const std::chrono::milliseconds patience_;
     std::mutex lock_;
-    MountTable mounts_; // guarded by lock_, like what was last found there and for how long it holds
-    std::vector<std::string> places_;
+    MountTable
+        mounts_; // guarded by lock_, like what was found last, with which places, and how long that holds
     std::string lastPath_;
+    std::vector<std::string> lastPlaces_;
     std::optional<std::string> lastPlace_;
-    std::chrono::steady_clock::time_point until_;
+    std::chrono::steady_clock::time_point lastUntil_;
     const std::shared_ptr<Shared> shared_;
 };
 

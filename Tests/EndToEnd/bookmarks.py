@@ -2,31 +2,22 @@
 """Bookmarks from one run of a program to the next, over real file systems: what moves, is replaced, is unmounted,
 is out of bounds, or does not answer. FILES_PROBE is the program that makes and resolves them."""
 
-import ctypes
 import os
 import pathlib
-import stat
 import subprocess
 import tempfile
 import time
 import unittest
+
+from desktop import keep_mounts_private, libc, mount, silence, unmount
 
 PROGRAM = os.environ["FILES_PROBE"]
 DEADLINE = 60
 WITHOUT_ROOTS_POWERS = ("setpriv", "--bounding-set", "-dac_override,-dac_read_search", "--inh-caps", "-all")
 NO_SUCH_FILE, NO_PERMISSION, UNKNOWN = "error 260", "error 257", "error 256"
 
-libc = ctypes.CDLL(None, use_errno=True)
-
-
-def mount(kind, source, place, options=""):
-    if libc.mount(source.encode(), str(place).encode(), kind.encode(), 0, options.encode()) != 0:
-        raise OSError(ctypes.get_errno(), f"mount {kind} on {place}")
-
-
-def unmount(place, flags=0):
-    if libc.umount2(str(place).encode(), flags) != 0:
-        raise OSError(ctypes.get_errno(), f"unmount {place}")
+def setUpModule():
+    keep_mounts_private()
 
 
 class Bookmarks(unittest.TestCase):
@@ -131,12 +122,9 @@ class Bookmarks(unittest.TestCase):
         self.assertEqual(self.probe("bookmark", path, prefix=WITHOUT_ROOTS_POWERS), ["none"])
 
     def silence(self, name):
-        """A file system whose program has never answered anything, as that of a machine that is switched off."""
         place = self.root / name
         place.mkdir(exist_ok=True)
-        device = os.open("/dev/fuse", os.O_RDWR)
-        self.addCleanup(os.close, device)
-        self.mounted("fuse", place, f"fd={device},rootmode={stat.S_IFDIR:o},user_id=0,group_id=0")
+        silence(self, place)
         return place
 
     def bookmarks_in(self, name):

@@ -1,12 +1,14 @@
 """A private X server with a window manager, Wayland inside it, a real pointer, and TrimStudio driven from outside."""
 
 import contextlib
+import ctypes
 import json
 import os
 import pathlib
 import plistlib
 import queue
 import re
+import stat
 import subprocess
 import tempfile
 import threading
@@ -31,6 +33,35 @@ def wait_until(what, condition, deadline=DEADLINE, pause=0.01):
         if time.monotonic() > end:
             raise Timeout(f"waited {deadline} s for {what}")
         time.sleep(pause)
+
+
+libc = ctypes.CDLL(None, use_errno=True)
+
+
+def mount(kind, source, place, options="", flags=0):
+    if libc.mount(str(source).encode(), str(place).encode(), kind.encode(), flags, options.encode()) != 0:
+        raise OSError(ctypes.get_errno(), f"mount {kind} on {place}")
+
+
+def unmount(place, flags=0):
+    if libc.umount2(str(place).encode(), flags) != 0:
+        raise OSError(ctypes.get_errno(), f"unmount {place}")
+
+
+def keep_mounts_private():
+    """What this program mounts nobody else sees, and it goes with the program."""
+    new_namespace, private_and_all_below = 0x20000, 1 << 18 | 1 << 14
+    if libc.unshare(new_namespace) != 0:
+        raise OSError(ctypes.get_errno(), "unshare")
+    mount("", "", "/", flags=private_and_all_below)
+
+
+def silence(test, place):
+    """Mounts there a file system whose program has never answered anything, as that of a machine that is switched off."""
+    device = os.open("/dev/fuse", os.O_RDWR)
+    test.addCleanup(os.close, device)
+    mount("fuse", "silent", place, f"fd={device},rootmode={stat.S_IFDIR:o},user_id=0,group_id=0")
+    test.addCleanup(lambda: libc.umount2(str(place).encode(), 2))
 
 
 def store(desktop, values):
@@ -295,9 +326,10 @@ class TrimStudio:
         except Timeout as timeout:
             raise Timeout(f"{timeout}; last: {self.last}; errors: {''.join(self.errors)}") from None
 
-    def wait_until_ready(self):
-        """The file is open, and the window has been found."""
-        return self.wait("the opened file", lambda d: "splitSlider" in d["views"] and self._stands())
+    def wait_until_ready(self, restored=True):
+        """The file is open, and the window has been found; nothing is done in the background any more."""
+        return self.wait("the opened file",
+                         lambda d: "splitSlider" in d["views"] and not (restored and d["restoring"]) and self._stands())
 
     def wait_for_message(self):
         return self.wait("a message", lambda d: d["message"] and d["message"] != "Opening…" and self._stands())

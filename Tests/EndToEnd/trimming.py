@@ -99,10 +99,10 @@ class TrimmingTest(unittest.TestCase):
         studio.click("saveButton")
         return studio.wait("the saved file", lambda d: d["saved"] and d["saved"] != before)
 
-    def open(self, name="take.wav", words=SOUND):
+    def open(self, name="take.wav", words=SOUND, restored=True):
         """TrimStudio with a file of this kind, and the measures of its position's track."""
         studio = self.start(self.make(name, words))
-        self.duration = studio.wait_until_ready()["duration"]
+        self.duration = studio.wait_until_ready(restored)["duration"]
         slider = studio.last["views"]["progressSlider"]
         self.x, y, self.width, height = slider["track"]
         self.y = y + height / 2

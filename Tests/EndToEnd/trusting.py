@@ -2,21 +2,17 @@
 """Folders that TrimStudio is trusted with: authorised in real dialogs, remembered by the next run, restored behind an
 overlay, listed, removed, lost. What is kept is read by Python's plistlib."""
 
-import ctypes
 import os
 import pathlib
-import stat
 import sys
 import time
 import unittest
 
-from desktop import store, stored, wait_until
+from desktop import keep_mounts_private, silence, store, stored, wait_until
 from trimming import SOUND, WITHOUT_ROOTS_POWERS, TrimmingTest
 
 PANE = "TrustedViewController"
 RESTORING = "Recovering directory permissions, please wait...."
-
-libc = ctypes.CDLL(None, use_errno=True)
 
 
 class Trusting(TrimmingTest):
@@ -77,7 +73,7 @@ class Trusting(TrimmingTest):
         return studio.wait_for_preferences("the preferences", lambda p: p and p["key"])
 
     def rows(self, studio, what, wanted):
-        studio.wait_for_preferences(what, lambda p: p and RESTORING not in p["texts"] and p["rows"] == [str(row) for row in wanted])
+        studio.wait_for_preferences(what, lambda p: p and p["key"] and RESTORING not in p["texts"] and p["rows"] == [str(row) for row in wanted])
 
     def click_button(self, studio, title):
         shown = studio.preferences
@@ -187,14 +183,6 @@ class Trusting(TrimmingTest):
 
     # A store that takes long: file systems that do not answer, each of which is waited for.
 
-    def silence(self, place):
-        device = os.open("/dev/fuse", os.O_RDWR)
-        self.addCleanup(os.close, device)
-        options = f"fd={device},rootmode={stat.S_IFDIR:o},user_id=0,group_id=0"
-        if libc.mount(b"fuse", str(place).encode(), b"fuse", 0, options.encode()) != 0:
-            raise OSError(ctypes.get_errno(), "mount")
-        self.addCleanup(lambda: libc.umount2(str(place).encode(), 2))
-
     def test_the_overlay_of_a_slow_store_is_cancelled(self):
         names = ["first"] + [f"silent {number}" for number in range(30)] + ["last"]
         folders = [self.folder / name for name in names]
@@ -202,9 +190,9 @@ class Trusting(TrimmingTest):
             folder.mkdir()
         self.make_trusted_without_asking(folders)
         for folder in folders[1:-1]:
-            self.silence(folder)
+            silence(self, folder)
 
-        studio = self.open()
+        studio = self.open(restored=False)
         shown = self.open_preferences(studio)
         self.assertIn(RESTORING, shown["texts"])
         shown = studio.wait_for_preferences("the folder that is waited for", lambda p: str(folders[1]) in p["texts"])
@@ -247,6 +235,10 @@ class Trusting(TrimmingTest):
         studio.wait_for_preferences("their end", lambda p: p is None)
         self.quit(studio)
         self.assertEqual(self.bookmarks(), [bytes.fromhex(line) for line in lines])
+
+
+def setUpModule():
+    keep_mounts_private()
 
 
 if __name__ == "__main__":
