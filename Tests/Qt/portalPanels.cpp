@@ -369,12 +369,16 @@ TEST_F(QtPortalPanels, RunModalBlocksEveryWindowAndReturnsWithTheAnswer) {
 }
 
 TEST_F(QtPortalPanels, RunModalEndsWithTheApplication) {
+    auto& application = NSApplication::sharedApplication();
+    std::optional<int> response;
+    then([&] { response = panel_->runModal(); });
     then([&] {
-        ASSERT_TRUE(comes([&] { return !portal_->asked.empty(); }));
+        EXPECT_TRUE(comes([&] { return !portal_->asked.empty(); }));
         settle();
-        NSApplication::sharedApplication().terminate(nullptr);
+        application.terminate(nullptr);
     });
-    EXPECT_EQ(panel_->runModal(), 0);
+    application.run();
+    EXPECT_EQ(response, 0);
     ASSERT_TRUE(comes([&] { return !portal_->closed.empty(); }));
     EXPECT_THAT(portal_->closed, ElementsAre(portal_->request()));
 }
