@@ -95,7 +95,7 @@ class Session(contextlib.ExitStack):
 
 class Test(unittest.TestCase):
     def probe(self, *words):
-        result = subprocess.run([PROGRAM, *map(str, words)], env=self.session.environment, text=True, capture_output=True,
+        result = subprocess.run([PROGRAM, "--sandboxed", *map(str, words)], env=self.session.environment, text=True, capture_output=True,
                                 timeout=DEADLINE)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         return result.stdout.splitlines()
@@ -142,6 +142,12 @@ class Documents(Test):
         # It is the folder itself, which can be written to.
         (place / "file").write_text("text")
         self.assertEqual((path / "file").read_text(), "text")
+
+    def test_outside_of_a_sandbox(self):
+        _, place = self.granted(self.folder("folder"))
+        plain = subprocess.run([PROGRAM, "bookmark", place], env=self.session.environment, text=True, capture_output=True,
+                               timeout=DEADLINE)
+        self.assertEqual(plain.stdout, "none\n")
 
     def test_taken_back(self):
         document, place = self.granted(self.folder("folder"))
@@ -213,7 +219,7 @@ class FileChooser(Test):
         self.addCleanup(self.desktop.close)
         self.session = Session(self.desktop.environment)
         self.addCleanup(self.session.close)
-        self.session.start_documents()
+        self.documents = self.session.start_documents()
         self.dialogs = self.session.service("org.freedesktop.impl.portal.desktop.gtk", "xdg-desktop-portal-gtk")
         self.portal = self.session.service("org.freedesktop.portal.Desktop", "xdg-desktop-portal")
 
@@ -234,23 +240,88 @@ class FileChooser(Test):
         os.close(read_end)
         return process
 
-    def dialog(self):
-        """The identifier of its window, once it takes keys."""
-        def shown():
-            windows = self.desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(self.dialogs.pid)).split()
-            return windows[0] if windows else None
-        window = wait_until("the portal's dialog", shown)
-        self.desktop.run("xdotool", "windowfocus", "--sync", window)
-        return window
+    def choose(self, kind):
+        process = self.inside("choose", kind, "/")
+        return process, wait_until("the portal's dialog", lambda: self.windows("--pid", self.dialogs.pid))[0]
 
-    def type_path(self, path):
-        window = self.dialog()
-        self.desktop.run("xdotool", "key", "--window", window, "ctrl+l")
-        self.desktop.run("xdotool", "type", "--window", window, str(path))
-        self.desktop.run("xdotool", "key", "--window", window, "Return")
+    def windows(self, *which):
+        return self.desktop.run("xdotool", "search", "--onlyvisible", *map(str, which)).split()
 
-    def test_folder(self):
-        pass
+    def keys(self, window, *names):
+        self.desktop.run("xdotool", "windowfocus", "--sync", window, "key", *names)
+
+    def answer(self, process):
+        output, _ = process.communicate(timeout=DEADLINE)
+        self.assertEqual(process.returncode, 0)
+        return output.splitlines()
+
+    def pick(self, kind, path):
+        process, window = self.choose(kind)
+
+        def picked():
+            self.keys(window, "alt+Home", "ctrl+l", "ctrl+a")
+            self.desktop.run("xdotool", "type", str(path))
+            self.keys(window, "Return")
+            # The dialog may not have been listening.
+            with contextlib.suppress(subprocess.TimeoutExpired):
+                process.wait(3)
+            return process.poll() is not None
+        wait_until(f"{path} to be chosen", picked)
+        place, = self.answer(process)
+        return pathlib.Path(place)
+
+    def resolve(self, data):
+        return self.answer(self.inside("resolve", data))
+
+    def test_folder_that_is_trusted_at_the_next_run(self):
+        path = self.folder("mine/a folder")
+        place = self.pick("folders", path)
+        self.assertEqual((place.name, place.parent.parent), ("a folder", self.session.documents))
+        (path / "inner").mkdir()
+        data, inner = self.answer(self.inside("bookmark", place, place / "inner"))
+        self.assertIn(f"{place.parent.name}/a folder".encode(), bytes.fromhex(data))
+        self.assertEqual(self.answer(self.inside("bookmark", path)), ["none"])  # it cannot be seen from there
+
+        self.session.end(self.documents)
+        self.documents = self.session.start_documents()
+        self.assertEqual(self.resolve(data), [str(place)])
+        self.assertEqual(self.resolve(inner), [str(place / "inner")])
+        self.probe("revoke", place.parent.name)
+        self.assertEqual(self.resolve(data), [NO_SUCH_FILE])
+
+    def test_file(self):
+        path = self.folder("mine") / "file.txt"
+        path.write_text("text")
+        place = self.pick("files", path)
+        self.assertEqual((place.name, place.parent.parent), ("file.txt", self.session.documents))
+        data, = self.answer(self.inside("bookmark", place))
+        self.assertEqual(self.resolve(data), [str(place)])
+
+    def test_what_the_dialog_says(self):
+        process, window = self.choose("folders")
+        self.assertEqual(self.desktop.run("xdotool", "getwindowname", window), "Trust_it\n")
+        below, = self.windows("--name", "^portal probe$")
+        properties = self.desktop.run("xprop", "-id", window, "WM_TRANSIENT_FOR")
+        self.assertIn(f"window id # {int(below):#x}", properties)
+        self.keys(window, "Escape")
+        self.assertEqual(self.answer(process), ["cancelled"])
+
+    def test_window_closed_meanwhile(self):
+        process, window = self.choose("folders")
+        below, = self.windows("--name", "^portal probe$")
+        self.desktop.ask_to_close(below)
+        self.assertEqual(self.answer(process), ["cancelled"])
+        wait_until("the dialog to go", lambda: not self.windows("--pid", self.dialogs.pid))
+
+    def test_dialog_that_dies(self):
+        process, _ = self.choose("folders")
+        self.session.end(self.dialogs, signal.SIGKILL)
+        self.assertEqual(self.answer(process), ["cancelled"])
+
+    def test_portal_that_dies(self):
+        process, _ = self.choose("folders")
+        self.session.end(self.portal, signal.SIGKILL)
+        self.assertEqual(self.answer(process), ["cancelled"])
 
 
 if __name__ == "__main__":

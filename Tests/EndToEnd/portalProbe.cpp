@@ -1,4 +1,5 @@
-// A program that takes itself for one inside of a sandbox, and asks the portals of its session bus.
+// A program that asks the portals of its session bus when it is inside of a sandbox, or takes itself for such a
+// one: with the option --sandboxed, which stands in front of the verb.
 //
 //   portal_probe grant FOLDER       hands the folder out for good, as the portal's own dialog does; prints the
 //   id portal_probe revoke ID          takes it back portal_probe bookmark PATH...   prints the data of a
@@ -93,6 +94,7 @@ int choose(Words words) {
     const auto window = zr::make<zr::NSWindow>(&zr::NSWindow::initWithContentRect_styleMask_backing_defer,
                                                zr::NSMakeRect(0, 0, 300, 200), zr::NSWindowStyleMaskTitled,
                                                zr::NSBackingStoreBuffered, false);
+    window->setTitle("portal probe");
     window->makeKeyAndOrderFront(nullptr);
     const auto panel = zr::NSOpenPanel::openPanel();
     const bool folders = words[0] == std::string_view("folders");
@@ -119,12 +121,17 @@ int main(int argc, char** argv) {
         {"bookmark", {&bookmark, 0}},
         {"resolve", {&resolve, 0}},
         {"choose", {&choose, 2}}};
-    const Words words(argv, static_cast<std::size_t>(argc));
-    const auto verb = argc < 2 ? verbs.end() : verbs.find(argv[1]);
-    if (verb == verbs.end() || (verb->second.second != 0 && words.size() != verb->second.second + 2)) {
+    Words words = Words(argv, static_cast<std::size_t>(argc)).subspan(1);
+    zr::qt::Options options{.userDefaults = ""};
+    if (!words.empty() && words[0] == std::string_view("--sandboxed")) {
+        options.sandboxed = true;
+        words = words.subspan(1);
+    }
+    const auto verb = words.empty() ? verbs.end() : verbs.find(words[0]);
+    if (verb == verbs.end() || (verb->second.second != 0 && words.size() != verb->second.second + 1)) {
         std::fputs("Usage: see the head of its source\n", stderr);
         return 2;
     }
-    const zr::qt::Application application(argc, argv, {.userDefaults = "", .sandboxed = true});
-    return verb->second.first(words.subspan(2));
+    const zr::qt::Application application(argc, argv, options);
+    return verb->second.first(words.subspan(1));
 }
