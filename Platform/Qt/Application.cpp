@@ -1,5 +1,6 @@
 #include "Application.h"
 #include "Hosting/Ending.h"
+#include "QtPortal.h"
 #include "QtQueues.h"
 #include "QtWindowSystem.h"
 
@@ -7,21 +8,37 @@
 
 #include <QApplication>
 
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace zr::qt {
 
+namespace {
+
+bool isSandboxed() {
+    std::error_code none;
+    return std::filesystem::exists("/.flatpak-info", none);
+}
+
+} // namespace
+
 struct Platform::Parts {
+    explicit Parts(bool sandboxed) : portal(sandboxed ? std::make_shared<QtPortal>() : nullptr) {}
+
+    std::shared_ptr<QtPortal> portal;
     std::shared_ptr<QtQueues> queues = std::make_shared<QtQueues>();
-    QtWindowSystem system;
+    QtWindowSystem system{portal};
 };
 
-Platform::Platform(Options options) : parts_(std::make_unique<Parts>()) {
+Platform::Platform(Options options)
+    : parts_(std::make_unique<Parts>(options.sandboxed.value_or(isSandboxed()))) {
     backend::install({.queues = parts_->queues,
                       .mainBundle = std::move(options.mainBundle),
                       .preferredLanguages = std::move(options.preferredLanguages),
-                      .userDefaults = std::move(options.userDefaults)});
+                      .userDefaults = std::move(options.userDefaults),
+                      .portal = parts_->portal});
     parts_->system.setClient(&port::install(parts_->system));
 }
 

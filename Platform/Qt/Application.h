@@ -11,12 +11,15 @@ namespace zr::qt {
 
 struct Options {
     // Folder of the application's resources; by default share/NAME beside the folder of the executable NAME.
-    std::optional<std::filesystem::path> mainBundle;
+    std::optional<std::filesystem::path> mainBundle{};
     // Languages the user prefers, best first; by default those of the environment.
-    std::optional<std::vector<std::string>> preferredLanguages;
+    std::optional<std::vector<std::string>> preferredLanguages{};
     // File of the user defaults; by default NAME.plist in the user's configuration folder. Empty: none, they
     // are kept in memory.
     std::optional<std::filesystem::path> userDefaults{};
+    // Whether files are the user's to hand out: the open panel is then the desktop portal's, and bookmarks know
+    // by their documents' ids what it has handed out. By default whether there is a file "/.flatpak-info".
+    std::optional<bool> sandboxed{};
 };
 
 // Makes Qt the window system of the kit while it lives. For programs that have a QApplication of their own,

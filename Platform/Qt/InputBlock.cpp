@@ -34,10 +34,11 @@ void InputBlock::notify(int type) const {
 }
 
 bool InputBlock::blocks(QObject* receiver) const {
-    if (!blocked_ || !sheet_) return false;
+    if (!blocked_) return false;
+    const QWindow* const sheet = sheet_ ? sheet_->windowHandle() : nullptr;
     const auto* const widget = qobject_cast<QWidget*>(receiver);
     const QWindow* window = widget ? widget->window()->windowHandle() : qobject_cast<QWindow*>(receiver);
-    while (window && window != sheet_->windowHandle() && window->modality() != Qt::ApplicationModal) {
+    while (window && window != sheet && window->modality() != Qt::ApplicationModal) {
         if (window == blocked_->windowHandle()) return true;
         window = window->parent() ? window->parent() : window->transientParent();
     }
@@ -45,7 +46,7 @@ bool InputBlock::blocks(QObject* receiver) const {
 }
 
 void InputBlock::activateSheet() const {
-    if (QApplication::activeModalWidget()) return;
+    if (!sheet_ || QApplication::activeModalWidget()) return;
     sheet_->raise();
     sheet_->activateWindow();
 }

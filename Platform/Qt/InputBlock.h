@@ -9,8 +9,9 @@ class QWindow;
 namespace zr::qt {
 
 // Keeps the user's input from a window and from what belongs to it, for as long as this lives, and hands its
-// activation on to the sheet over it. Unlike Qt's own window modality it lets the wish to close the window
-// through: the window's owner may want to ask what is to become of the work.
+// activation on to the sheet over it, which is null where another program shows it. Unlike Qt's own window
+// modality it lets the wish to close the window through: the window's owner may want to ask what is to become
+// of the work.
 class InputBlock final : public QObject {
 public:
     InputBlock(QWidget* blocked, QWidget* sheet);

@@ -94,15 +94,10 @@ bool FileDialog::eventFilter(QObject* watched, QEvent* event) {
     return QFileDialog::eventFilter(watched, event);
 }
 
-OpenPanelPeer::OpenPanelPeer(const port::OpenPanel& panel, QWidget* over, port::OpenPanelClient& client)
-    : dialog_(new FileDialog(panel, over, client)) {
-    dialog_->show();
-    dialog_->raise();
-    dialog_->activateWindow();
-}
-
-OpenPanelPeer::~OpenPanelPeer() {
-    if (dialog_) dialog_->letGo();
+void FileDialog::present() {
+    show();
+    raise();
+    activateWindow();
 }
 
 } // namespace zr::qt

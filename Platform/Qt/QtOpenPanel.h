@@ -19,6 +19,7 @@ public:
 
     void done(int result) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void present();
     void letGo(); // tells nothing any more, and goes
 
 protected:
@@ -34,14 +35,17 @@ private:
     std::unique_ptr<InputBlock> block_;
 };
 
-// The dialog of a desktop's portal would be another kind of peer.
+// A FileDialog, or what stands for the dialog of the desktop's portal.
+template <class Dialog>
 class OpenPanelPeer final : public port::OpenPanelPeer {
 public:
-    OpenPanelPeer(const port::OpenPanel& panel, QWidget* over, port::OpenPanelClient& client);
-    ~OpenPanelPeer() override;
+    explicit OpenPanelPeer(Dialog* dialog) : dialog_(dialog) { dialog_->present(); }
+    ~OpenPanelPeer() override {
+        if (dialog_) dialog_->letGo();
+    }
 
 private:
-    QPointer<FileDialog> dialog_;
+    QPointer<Dialog> dialog_;
 };
 
 } // namespace zr::qt

@@ -1,6 +1,7 @@
 #include "QtCanvas.h"
 #include "QtDueWork.h"
 #include "QtOpenPanel.h"
+#include "QtPortalPanel.h"
 #include "QtTable.h"
 #include "QtTrackingLoop.h"
 #include "QtViews.h"
@@ -11,6 +12,8 @@
 #include <QFontMetricsF>
 #include <QScreen>
 #include <QWindow>
+
+#include <utility>
 
 namespace zr::qt {
 
@@ -55,7 +58,7 @@ std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments)
 
 } // namespace
 
-QtWindowSystem::QtWindowSystem() {
+QtWindowSystem::QtWindowSystem(std::shared_ptr<QtPortal> portal) : portal_(std::move(portal)) {
     qApp->installEventFilter(this);
     auto* const dispatcher = QAbstractEventDispatcher::instance();
     connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, doDueWork);
@@ -163,7 +166,10 @@ std::unique_ptr<port::OpenPanelPeer> QtWindowSystem::showOpenPanel(const port::O
                                                                    port::WindowPeer* over,
                                                                    port::OpenPanelClient& client) {
     auto* const topLevel = dynamic_cast<TopLevelPeer*>(over);
-    return std::make_unique<OpenPanelPeer>(panel, topLevel ? topLevel->topLevel() : nullptr, client);
+    QWidget* const widget = topLevel ? topLevel->topLevel() : nullptr;
+    if (portal_)
+        return std::make_unique<OpenPanelPeer<PortalPanel>>(new PortalPanel(panel, widget, client, *portal_));
+    return std::make_unique<OpenPanelPeer<FileDialog>>(new FileDialog(panel, widget, client));
 }
 
 bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {

@@ -1,17 +1,21 @@
 #pragma once
 
+#include "QtPortal.h"
+
 #include <WindowSystem/WindowSystem.h>
 
 #include <QApplication>
 #include <QObject>
 #include <QPalette>
 
+#include <memory>
+
 namespace zr::qt {
 
 // The port on Qt: makes peers, measures text, reads pictures, and follows the palette.
 class QtWindowSystem final : public QObject, public port::WindowSystem {
 public:
-    QtWindowSystem();
+    explicit QtWindowSystem(std::shared_ptr<QtPortal> portal); // null outside of a sandbox
     ~QtWindowSystem() override;
 
     void setClient(port::ApplicationClient* client) { client_ = client; }
@@ -50,6 +54,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    const std::shared_ptr<QtPortal> portal_;
     port::ApplicationClient* client_ = nullptr;
     QPalette desktopPalette_;
     bool hasOwnPalette_ = false;

@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zr::test {
@@ -24,6 +25,8 @@ namespace zr::test {
 // system's do.
 class QtTest : public testing::Test {
 protected:
+    explicit QtTest(zr::qt::Options options = {.sandboxed = false}) : platform_(std::move(options)) {}
+
     void show(const std::shared_ptr<NSView>& content, NSSize size) {
         window_ =
             make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSRect{NSZeroPoint, size},

@@ -28,8 +28,8 @@ public:
 class Portal {
 public:
     virtual ~Portal() = default;
-    // The folder in which each document lies, in a folder named by its id; nothing while the portal does not
-    // answer. From any thread; ends within two seconds.
+    // The folder in which each document lies, in a folder named by its id; nothing as long as the portal has
+    // not answered. From any thread; ends within two seconds.
     virtual std::optional<std::string> documentsFolder() = 0;
 };
 
