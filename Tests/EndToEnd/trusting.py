@@ -181,6 +181,21 @@ class Trusting(TrimmingTest):
             self.quit(studio)
         self.assert_stored(one, two)
 
+    def test_the_pane_that_was_shown_last_comes_back(self):
+        studio = self.open_source()
+        left, top = self.open_preferences(studio)["rect"][:2]
+        self.click_at(left + 125, top - 35)  # the second item of the toolbar
+        shown = studio.wait_for_preferences("the other pane", lambda p: p["pane"] == "GeneralViewController")
+        self.assertEqual(shown["title"], "Preferences")
+        self.assert_stored()  # the first one has committed
+        self.quit(studio)
+        studio = self.open_source()
+        self.assertEqual(self.open_preferences(studio)["pane"], "GeneralViewController")
+        left, top = studio.preferences["rect"][:2]
+        self.click_at(left + 50, top - 35)
+        studio.wait_for_preferences("the first pane", lambda p: p["pane"] == PANE)
+        self.quit(studio)
+
     # A store that takes long: file systems that do not answer, each of which is waited for.
 
     def test_the_overlay_of_a_slow_store_is_cancelled(self):
