@@ -12,6 +12,7 @@
 #include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace zr {
 
@@ -159,9 +160,9 @@ std::string ZRTrustedPathViewCtl::toolbarItemLabel() const { return AppLocalized
 // The list
 
 void ZRTrustedPathViewCtl::setAryItems(Folders folders) {
-    aryItems_.clear();
+    aryItems_ = std::move(folders);
     paths_.clear();
-    append(folders);
+    for (const auto& folder : aryItems_) paths_.insert(folder.path());
 }
 
 void ZRTrustedPathViewCtl::append(const Folders& folders) {

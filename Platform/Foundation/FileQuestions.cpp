@@ -121,7 +121,7 @@ std::optional<std::string> placeOnTheWay(std::string_view path, const std::vecto
         if (length < 0 || ++links > kMostLinks) return std::nullopt;
         const std::string target(text.data(), static_cast<std::size_t>(length));
         way.resize(target.starts_with('/') ? 0 : before);
-        rest = target + "/" + rest;
+        rest.insert(0, "/").insert(0, target);
     }
     return std::nullopt;
 }

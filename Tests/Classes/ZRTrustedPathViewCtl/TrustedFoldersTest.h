@@ -120,6 +120,7 @@ protected:
     static std::string nameOf(const std::string& path) { return fs::path(path).filename().string(); }
     static std::vector<std::string> names(const std::vector<NSURL>& urls) {
         std::vector<std::string> all;
+        all.reserve(urls.size());
         for (const auto& each : urls) all.push_back(nameOf(each.path()));
         return all;
     }

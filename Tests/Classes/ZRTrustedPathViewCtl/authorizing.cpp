@@ -38,13 +38,14 @@ protected:
         TrustedFoldersTest::TearDown();
     }
     std::string close(const std::string& name) {
-        const auto path = make(name);
+        auto path = make(name);
         fs::permissions(path, fs::perms::owner_read | fs::perms::owner_exec);
         closed_.push_back(path);
         return path;
     }
     std::vector<std::string> close(const std::vector<std::string>& names) {
         std::vector<std::string> paths;
+        paths.reserve(names.size());
         for (const auto& name : names) paths.push_back(close(name));
         return paths;
     }
@@ -235,6 +236,7 @@ TEST_F(Authorizing, TakesTheFoldersOfFiles) {
 TEST_F(Authorizing, CountsFoldersNotFiles) {
     make("writable");
     std::vector<ZRTrustedPathViewCtl::File> files;
+    files.reserve(21);
     for (int i = 0; i < 20; ++i) files.push_back(at("writable/" + std::to_string(i)));
     files.push_back(close("a") + "/film.mp4");
     answerAlert(false);

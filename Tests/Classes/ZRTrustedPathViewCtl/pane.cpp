@@ -11,10 +11,8 @@ namespace zr {
 
 namespace fs = std::filesystem;
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace {
 
@@ -526,6 +524,7 @@ TEST_F(TrustedPane, ClosesWithThePreferencesWindowWhileItRestores) {
 TEST_F(TrustedPane, SharesNothingUnguardedWithTheBackground) {
     launchWithStops();
     std::vector<std::string> all;
+    all.reserve(300);
     for (int i = 0; i < 300; ++i) all.push_back(std::to_string(i));
     storeFolders(all);
     create();
