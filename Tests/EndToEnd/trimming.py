@@ -99,9 +99,9 @@ class TrimmingTest(unittest.TestCase):
         studio.click("saveButton")
         return studio.wait("the saved file", lambda d: d["saved"] and d["saved"] != before)
 
-    def open(self, name="take.wav", words=SOUND, restored=True):
+    def open(self, name="take.wav", words=SOUND, restored=True, **options):
         """TrimStudio with a file of this kind, and the measures of its position's track."""
-        studio = self.start(self.make(name, words))
+        studio = self.start(self.make(name, words), **options)
         self.duration = studio.wait_until_ready(restored)["duration"]
         slider = studio.last["views"]["progressSlider"]
         self.x, y, self.width, height = slider["track"]
