@@ -9,6 +9,7 @@
 #include <map>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -119,9 +120,11 @@ std::optional<std::string> placeOnTheWay(std::string_view path, const std::vecto
         const ssize_t length = readlink(way.c_str(), text.data(), text.size());
         if (length < 0 && errno == EINVAL) continue; // no link
         if (length < 0 || ++links > kMostLinks) return std::nullopt;
-        const std::string target(text.data(), static_cast<std::size_t>(length));
+        std::string target(text.data(), static_cast<std::size_t>(length));
         way.resize(target.starts_with('/') ? 0 : before);
-        rest.insert(0, "/").insert(0, target);
+        target += '/';
+        target += rest;
+        rest = std::move(target);
     }
     return std::nullopt;
 }
