@@ -1,6 +1,8 @@
 // What the progress sheet, alerts and interface files cost beside Qt's own dialogs; scripts/bench makes the
 // table.
 
+#include "Measuring.h"
+
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSString.h>
@@ -30,22 +32,10 @@
 namespace {
 
 using namespace zr;
+using bench::require;
+using bench::settle;
 
 using Clock = std::chrono::steady_clock;
-
-void settle() {
-    for (int i = 0; i < 3; ++i) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-void require(bool condition, const char* what) {
-    if (condition) return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(1);
-}
 
 // The window that the dialogs stand over.
 struct KitParent {

@@ -4,6 +4,8 @@
 //   folder_benchmarks --launch FILE   a program with a window that keeps its user defaults there; ends when the
 //                                     window has been painted and has answered a click
 
+#include "Measuring.h"
+
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSUserDefaults.h>
@@ -46,25 +48,13 @@
 namespace {
 
 using namespace zr;
+using bench::require;
+using bench::settle;
 namespace fs = std::filesystem;
 
 using Clock = std::chrono::steady_clock;
 
 constexpr int kMany = 10'000;
-
-void settle() {
-    for (int i = 0; i < 3; ++i) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-void require(bool condition, const char* what) {
-    if (condition) return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(1);
-}
 
 // The folders that everything here is measured with, and their bookmarks.
 class Folders {

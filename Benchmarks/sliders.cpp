@@ -2,6 +2,7 @@
 // makes the table.
 
 #include "Allocations.h"
+#include "Measuring.h"
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSWindow.h>
@@ -29,24 +30,13 @@
 namespace {
 
 using namespace zr;
+using bench::require;
+using bench::settle;
 
 constexpr NSSize kSize = {1000, 60};
 constexpr int kSteps = 400; // of one drag
 
 using Clock = std::chrono::steady_clock;
-
-void settle() {
-    for (int i = 0; i < 3; ++i) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-    }
-}
-
-void require(bool condition, const char* what) {
-    if (condition) return;
-    std::fprintf(stderr, "not measured: %s\n", what);
-    std::exit(1);
-}
 
 class Empty final : public QWidget {
 public:

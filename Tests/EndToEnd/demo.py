@@ -28,8 +28,7 @@ for file in files:
         picture(desktop, "1-opened.png")
 
         x, _, width, _ = studio.slider()["track"]
-        studio.drag("leftHandle", x + width / 3, steps=20)
-        studio.wait("the new start", lambda d: d["views"]["splitSlider"]["start"] > 0 or d["message"])
+        studio.drag_along_track("leftHandle", x + width / 3, steps=20)
         clip = studio.wait("the button", lambda d: d["views"]["saveButton"]["enabled"])["views"]["splitSlider"]
         print(f"Chosen:  {clip['length']:.3f} s of {opened['duration']:.3f} s, from {clip['start']:.3f} s")
         picture(desktop, "2-dragged.png")

@@ -365,6 +365,15 @@ class TrimStudio:
             self.desktop.move(x + (to_x - x) * step / steps, y + (to_y - y) * step / steps)
         self.desktop.release()
 
+    def drag_along_track(self, handle, to_x, steps=5):
+        """Drags a handle within its track until it stands there, not only on its way, or a message says why it does not."""
+        self.drag(handle, to_x, steps=steps)
+
+        def stands(description):
+            x, _, width, _ = description["views"]["splitSlider"][handle]
+            return description["message"] or abs(x + width / 2 - to_x) <= 1
+        return self.wait(f"the {handle} at {to_x}", stands)
+
     def click(self, view):
         x, y, width, height = self.newest()["views"][view]["rect"]
         self.desktop.move(x + width / 2, y + height / 2)

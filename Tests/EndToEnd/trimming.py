@@ -256,10 +256,8 @@ class DragsOfThePosition:
         self.assertEqual(studio.close(), 0)
 
     def value_after_a_drag_of_the_right_handle(self, studio, fraction):
-        before = studio.slider()["length"]
         track = studio.slider()["track"]
-        studio.drag("rightHandle", track[0] + track[2] * fraction + 12, steps=20)
-        studio.wait("the right end", lambda d: d["views"]["splitSlider"]["length"] < before)
+        studio.drag_along_track("rightHandle", track[0] + track[2] * fraction + 12, steps=20)
         return self.value(studio)
 
 
@@ -267,8 +265,7 @@ class Playing(DragsOfThePosition, TrimmingTest):
     def test_space_plays_inside_the_clip_and_stops(self):
         studio = self.open()
         track = studio.slider()["track"]
-        studio.drag("leftHandle", track[0] + track[2] * 0.5 - 12)
-        start = studio.wait("the clip", lambda d: d["views"]["splitSlider"]["start"] > 3.9)["views"]["splitSlider"]["start"]
+        start = studio.drag_along_track("leftHandle", track[0] + track[2] * 0.5 - 12)["views"]["splitSlider"]["start"]
         self.desktop.pointer("key", "space")
         played = studio.wait("playing", lambda d: d["views"]["progressSlider"]["value"] > start + 0.2)
         self.assertLess(played["views"]["progressSlider"]["value"], self.duration)
@@ -659,8 +656,7 @@ class Times(TrimmingTest):
     def test_moving_through_the_fields_moves_nothing_and_fractions_stay(self):
         studio = self.open("long.wav", LONG_SOUND)
         slider = studio.last["views"]["splitSlider"]
-        studio.drag("leftHandle", slider["leftHandle"][0] + slider["leftHandle"][2] / 2 + 61)
-        studio.wait("the dragged handle", lambda d: d["views"]["splitSlider"]["start"] > 1)
+        studio.drag_along_track("leftHandle", slider["leftHandle"][0] + slider["leftHandle"][2] / 2 + 61)
         start, length = self.clip(studio)
         self.assertGreater(start % 1, 0.001)
         self.click_into(studio, "startField", "hours")
