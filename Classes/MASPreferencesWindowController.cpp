@@ -145,6 +145,7 @@ void MASPreferencesWindowController::setSelectedViewController(
 
     selectedViewController_ = next;
     pane->viewWillAppear();
+    if (selectedViewController_ != next) return; // it has selected another
     window->setContentView(view);
     window->recalculateKeyViewLoop();
     if (window->firstResponder() == window.get()) {

@@ -27,8 +27,10 @@ public:
     virtual std::string identifier() const = 0; // of this pane alone; part of what is stored about it
     virtual std::shared_ptr<NSImage> toolbarItemImage() const = 0;
     virtual std::string toolbarItemLabel() const = 0; // the window's title, too, where it has no other
-    virtual void viewWillAppear() {} // the window has been sized for it; the view is not in it yet
-    virtual void viewDidDisappear() {}
+    // When it is selected: the window has been sized for it; the view is not in it yet. Not when the window is
+    // closed or shown again.
+    virtual void viewWillAppear() {}
+    virtual void viewDidDisappear() {} // when another one, or none, is selected
     // What gets the keyboard when the pane is shown and nothing else has it. No answer: whatever comes first.
     virtual std::optional<NSView*> initialKeyView() { return std::nullopt; }
 };

@@ -197,7 +197,8 @@ long ZRTrustedPathViewCtl::numberOfRowsInTableView(NSTableView&) { return static
 
 std::string ZRTrustedPathViewCtl::tableView_objectValueForTableColumn_row(NSTableView&, NSTableColumn&,
                                                                           long row) {
-    return aryItems_.at(static_cast<std::size_t>(row)).path();
+    const auto index = static_cast<std::size_t>(row);
+    return index < aryItems_.size() ? aryItems_[index].path() : ""; // the table may not know of them yet
 }
 
 void ZRTrustedPathViewCtl::addFolderDown(NSObject*) {
@@ -239,6 +240,13 @@ bool ZRTrustedPathViewCtl::commitEditing() {
     }
     storeOnDisk(std::move(bookmarks));
     return true;
+}
+
+void ZRTrustedPathViewCtl::keyDown(const NSEvent& event) {
+    if (event.keyCode() == kKeyCodeDelete && !isAsyncLoading_)
+        removeFolderDown(nullptr);
+    else
+        NSViewController::keyDown(event);
 }
 
 // The restore
@@ -321,6 +329,11 @@ void ZRTrustedPathViewCtl::setIsAsyncLoading(bool isLoading) {
 void ZRTrustedPathViewCtl::refreshLoadingUI() {
     const auto indicator = loadingIndicator();
     const auto overlay = loadingBgView();
+    // Those beside the list, which the overlay does not cover.
+    if (isViewLoaded())
+        for (const auto& subview : view()->subviews())
+            if (const auto button = std::dynamic_pointer_cast<NSButton>(subview))
+                button->setEnabled(!isAsyncLoading_);
     if (!isAsyncLoading_) {
         if (indicator) indicator->stopAnimation(nullptr);
         if (overlay) overlay->setHidden(true);

@@ -33,7 +33,8 @@ public:
 // A host makes one at launch: 0.3 s later the stored folders are restored in the background, whether or not the
 // pane is shown, and access to each is started, which lasts until the program ends. Until that is done an
 // overlay covers the list, and commits store nothing. What fails is logged and left where it is; it leaves
-// the store with the first commit after a restore that has ended.
+// the store with the first commit after a restore that has ended or was cancelled. The preferences window
+// commits when it is closed or shows another pane; at the end of the program it is for the host to do that.
 //
 // Main thread only, but for restoreDefaultsBookmarks() and updateRecoveringPath().
 class ZRTrustedPathViewCtl : public NSViewController,
@@ -54,7 +55,7 @@ public:
 
     // The folders that are trusted now, in the order in which they were added.
     const Folders& aryItems() const { return aryItems_; }
-    void setAryItems(Folders folders);
+    void setAryItems(Folders folders); // neither the table nor the store is told
     Folders itemList() const { return aryItems_; }
     // Whether a folder of the same path is among them, letter by letter.
     bool isExsistWithUrl(const NSURL& url) const;
@@ -66,8 +67,9 @@ public:
     void addToBookmarkWithURL(const NSURL& url);
 
     // Asks the user to authorise the folders which are there but not writable, each in a panel of its own, but
-    // not more than five. False when the user cancels; what was authorised before that stays. Adds to the
-    // shared instance. Returns when the dialogs are gone.
+    // not more than five. False when the user cancels; what was authorised before that stays. Adds what the
+    // user picks, which may be another folder, to the shared instance; true does not tell that a folder can be
+    // written to now. Returns when the dialogs are gone.
     static bool tryToAuthorizeDirs(const std::vector<std::string>& folders);
     // The same for the folders in which the files are; other objects and empty paths do not count.
     static bool tryToAuthorizeFoldeWithFileList(const std::vector<File>& files);
@@ -89,10 +91,14 @@ public:
     // Actions.
     virtual void loadingCancelClick(NSObject* sender); // forgets the stored folder that was being restored
     virtual void addFolderDown(NSObject* sender);      // opens a panel over the window
-    virtual void removeFolderDown(NSObject* sender);   // the selected rows, of the table and of the store
+    // The selected rows, of the table and, by number, of the store, which is right again with the next commit.
+    virtual void removeFolderDown(NSObject* sender);
 
-    // Stores the folders that are there; while they are being restored nothing. True.
+    // Stores the folders that are there; while they are being restored nothing. True. Every other stored folder
+    // is forgotten: one that could not be restored or is silent, and after a cancel those that were not
+    // reached.
     bool commitEditing() override;
+    void keyDown(const NSEvent& event) override; // Delete removes the selected rows
 
     std::string identifier() const override { return "TrustedViewController"; }
     std::shared_ptr<NSImage> toolbarItemImage() const override;

@@ -12,13 +12,16 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace trimstudio {
 
 using namespace zr;
 
-// The kit's pane, which tells when it shows something else.
+// The kit's pane, which tells when it shows something else, and forgets no folder that the user did not remove:
+// not those that a cancelled restore has not reached, and none in place of a removed one.
 class TrustedPane : public ZRTrustedPathViewCtl {
 public:
     ZR_CLASS(TrustedPane, ZRTrustedPathViewCtl)
@@ -36,7 +39,27 @@ public:
         return ZRTrustedPathViewCtl::numberOfRowsInTableView(table);
     }
 
+    bool commitEditing() override { return loadingCanceled() || ZRTrustedPathViewCtl::commitEditing(); }
+    void removeFolderDown(NSObject* sender) override {
+        std::set<std::string> gone;
+        for (const std::size_t row : tableView()->selectedRowIndexes()) gone.insert(aryItems().at(row).path());
+        const auto defaults = NSUserDefaults::standardUserDefaults();
+        const auto before = defaults->arrayForKey(kBookmarksKey);
+        auto stored = before ? *before : PropertyList::Array();
+        ZRTrustedPathViewCtl::removeFolderDown(sender);
+        std::erase_if(stored, [&](const PropertyList& entry) {
+            const auto* const bookmark = entry.get<NSData>();
+            const auto values = bookmark
+                                    ? NSURL::resourceValuesForKeys_fromBookmarkData({NSURLPathKey}, *bookmark)
+                                    : std::nullopt;
+            return values && values->contains(NSURLPathKey) &&
+                   gone.contains(values->at(NSURLPathKey).description());
+        });
+        defaults->setObject_forKey(std::move(stored), kBookmarksKey);
+    }
+
 private:
+    static constexpr const char* kBookmarksKey = "BookmarksKey";
     void changed() {
         if (didChange_) didChange_();
     }

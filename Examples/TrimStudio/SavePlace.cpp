@@ -29,7 +29,7 @@ std::optional<fs::path> askForAnother(const fs::path& recording, const fs::path&
                                               [&] { choosesAnother = true; }),
          ZRAlertAction::CANCEL(nullptr)},
         stringWithFormat(AppLocalizedString("“%@” cannot be saved in “%@”."), recording.filename().string(),
-                         folder.filename().string()),
+                         folder.string()),
         AppLocalizedString(
             "The folder is missing or may not be written to. Choose another one for this recording."),
         nullptr);
@@ -49,8 +49,14 @@ std::optional<fs::path> askForSavePlace(const fs::path& recording) {
     std::error_code gone;
     fs::path folder = saveFolder().value_or(fs::absolute(recording, gone).parent_path());
     if (canBeWrittenTo(folder)) return folder;
+    const auto trusted = ZRTrustedPathViewCtl::sharedInstance();
+    const std::size_t known = trusted->aryItems().size();
     if (!ZRTrustedPathViewCtl::tryToAuthorizeDirs({folder.native()})) return std::nullopt;
     // A plain folder cannot be written to because somebody authorised it, and the user may have picked another.
+    if (!canBeWrittenTo(folder) && trusted->aryItems().size() > known) {
+        const fs::path picked = trusted->aryItems().back().path();
+        if (canBeWrittenTo(picked)) return picked;
+    }
     while (!canBeWrittenTo(folder)) {
         const auto another = askForAnother(recording, folder);
         if (!another) return std::nullopt;

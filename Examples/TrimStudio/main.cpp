@@ -97,6 +97,13 @@ std::shared_ptr<zr::NSMenu> mainMenu(const std::shared_ptr<Preferences>& prefere
     file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Preferences…"), "showPreferences:", ",")
         ->setTarget(preferences);
     file->addItem(zr::NSMenuItem::separatorItem());
+    const auto pane = [&](const std::string& title, const zr::SEL& action, unsigned shift) {
+        file->addItemWithTitle_action_keyEquivalent(title, action, "\t")
+            ->setKeyEquivalentModifierMask(zr::NSEventModifierFlagCommand | shift);
+    };
+    pane(AppLocalizedString("Next Pane"), "goNextTab:", 0);
+    pane(AppLocalizedString("Previous Pane"), "goPreviousTab:", zr::NSEventModifierFlagShift);
+    file->addItem(zr::NSMenuItem::separatorItem());
     file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Close"), "performClose:", "w");
     file->addItemWithTitle_action_keyEquivalent(AppLocalizedString("Quit"), "terminate:", "q");
     return menu;

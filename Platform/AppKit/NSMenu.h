@@ -16,13 +16,15 @@ namespace port {
 struct MenuItem;
 }
 
-// A command of a menu: what it is called, the key that is as good as choosing it, and what it sends to whom.
+// A command of a menu: what it is called, the key that is as good as choosing it, and what it sends to whom;
+// the target is not retained. Main thread only, as menus are.
 class NSMenuItem : public NSObject {
 public:
     ZR_CLASS(NSMenuItem, NSObject)
     static std::shared_ptr<NSMenuItem> separatorItem();
-    // Without an action the item only carries a submenu. The key is held with Command unless the mask says
-    // otherwise; empty for none.
+    // Without an action the item only carries a submenu. The key is a character, as the key types it without
+    // modifiers, or "\t"; it is held with Command, which is Control on PC keyboards, unless the mask says
+    // otherwise. A key without Command acts when nobody along the responder chain wants it. Empty for none.
     bool initWithTitle_action_keyEquivalent(const std::string& title, const SEL& action,
                                             const std::string& keyEquivalent);
 

@@ -2,16 +2,21 @@
 
 #include <Base/Geometry.h>
 
+#include <vector>
+
 namespace zr {
 
-// The primary screen. Points, origin at the lower left.
+// Points, y up, origin at the lower left of the primary screen.
 class NSScreen {
 public:
-    static NSScreen mainScreen(); // an empty one while no window system is installed
+    static NSScreen mainScreen();           // the primary one; an empty one while no window system is installed
+    static std::vector<NSScreen> screens(); // the primary one first
+
     const NSRect& frame() const { return frame_; }
+    const NSRect& visibleFrame() const { return visibleFrame_; } // without the desktop's own bars
 
 private:
-    NSRect frame_;
+    NSRect frame_, visibleFrame_;
 };
 
 } // namespace zr

@@ -18,8 +18,8 @@ using NSToolbarItemIdentifier = std::string;
 inline const NSToolbarItemIdentifier NSToolbarFlexibleSpaceItemIdentifier = "NSToolbarFlexibleSpaceItem";
 inline const NSToolbarItemIdentifier NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
 
-// An icon above a label. A click sends the action to the target or, without one, along the responder chain;
-// the sender is the item.
+// An icon, shown at 32 x 32 points, above a label; a toolbar looks at them when it takes the item. A click
+// sends the action to the target or, without one, along the responder chain; the sender is the item.
 class NSToolbarItem : public NSObject {
 public:
     ZR_CLASS(NSToolbarItem, NSObject)
@@ -60,7 +60,8 @@ public:
 };
 
 // A row of items between a window's title and its content. They are asked of the delegate when the toolbar has
-// both a window and a delegate, or when they are first asked for. Main thread only.
+// both a window and a delegate, or when they are first asked for: the default ones, as nobody can choose
+// others. Neither the delegate nor the targets are retained. Main thread only.
 class NSToolbar : public NSObject {
 public:
     ZR_CLASS(NSToolbar, NSObject)

@@ -227,6 +227,26 @@ void NSWindow::placePeer() {
         peer_->setFrameTopLeft({topLeft_.x, NSScreen::mainScreen().frame().size.height - topLeft_.y});
 }
 
+// As much of the title bar is on a screen as a hand can take hold of.
+void NSWindow::keepWithinReach() {
+    if (!placed_ || foreign_ || (styleMask_ & NSWindowStyleMaskTitled) == 0) return;
+    constexpr double kHeight = 22, kWidth = 60;
+    const NSRect frame = this->frame();
+    const double width = std::min(kWidth, frame.size.width), top = NSMaxY(frame);
+    const auto screens = NSScreen::screens();
+    for (const auto& screen : screens) {
+        const NSRect visible = screen.visibleFrame();
+        if (top <= NSMaxY(visible) && top - kHeight >= NSMinY(visible) &&
+            NSMaxX(frame) - width >= NSMinX(visible) && NSMinX(frame) + width <= NSMaxX(visible))
+            return;
+    }
+    if (screens.empty()) return;
+    const NSRect visible = screens.front().visibleFrame();
+    setFrameTopLeftPoint(
+        {std::max(NSMinX(visible), std::min(NSMinX(frame), NSMaxX(visible) - frame.size.width)),
+         std::min(NSMaxY(visible), std::max(top, NSMinY(visible) + frame.size.height))});
+}
+
 void NSWindow::setFrame_display_animate(const NSRect& frame, bool, bool) {
     const auto held = retained(this);
     setFrameTopLeftPoint({frame.origin.x, NSMaxY(frame)});
@@ -261,7 +281,10 @@ void NSWindow::realise(bool withMenuBar) {
     }
     auto& system = installation()->windowSystem;
     client_ = std::make_unique<Client>(*this);
-    peer_ = system.makeWindow(*client_, contentSize_, (styleMask_ & NSWindowStyleMaskResizable) != 0);
+    const auto has = [this](NSWindowStyleMask bit) { return (styleMask_ & bit) != 0; };
+    peer_ = system.makeWindow(*client_, contentSize_,
+                              {has(NSWindowStyleMaskTitled), has(NSWindowStyleMaskClosable),
+                               has(NSWindowStyleMaskMiniaturizable), has(NSWindowStyleMaskResizable)});
     peer_->setTitle(title_);
     peer_->setContentLimits(contentMinSize_, contentMaxSize_);
     contentView_->realiseAsContent(system, *peer_);
@@ -283,7 +306,8 @@ void NSWindow::show(bool activate) {
     if (!installation() || (foreign_ && !peer_)) return;
     wasShown();
     realise(true);
-    peer_->show(activate);
+    keepWithinReach();
+    if (peer_) peer_->show(activate);
 }
 
 void NSWindow::showModal() {
@@ -355,7 +379,7 @@ void NSWindow::performClose(NSObject*) {
     // A sheet and its window are one to the user.
     if (const auto parent = sheetParent_.lock())
         parent->performClose(this);
-    else if (shouldClose())
+    else if ((foreign_ || (styleMask_ & NSWindowStyleMaskClosable) != 0) && shouldClose())
         close();
 }
 
@@ -510,6 +534,13 @@ bool NSWindow::selectKeyView(NSView* from, bool backwards) {
     return true;
 }
 
+// Of one that acts now.
+static bool isKeyOfMainMenu(const NSEvent& event) {
+    auto& application = NSApplication::sharedApplication();
+    const auto menu = application.modalWindow() ? nullptr : application.mainMenu();
+    return menu && menu->performKeyEquivalent(event);
+}
+
 bool NSWindow::performKeyEquivalentOf(const char* characters) {
     InputEvent event;
     event.type = NSEventTypeKeyDown;
@@ -521,7 +552,7 @@ bool NSWindow::performKeyEquivalentOf(const char* characters) {
 void NSWindow::keyDown(const NSEvent& event) {
     const auto held = retained(this);
     const auto content = contentView_;
-    if (content->performKeyEquivalent(event)) return;
+    if (content->performKeyEquivalent(event) || isKeyOfMainMenu(event)) return;
     const bool plain = (event.modifierFlags() & (NSEventModifierFlagCommand | NSEventModifierFlagOption |
                                                  NSEventModifierFlagControl)) == 0;
     if (event.keyCode() == kKeyCodeTab && plain) {
@@ -643,9 +674,7 @@ void NSWindow::sendEvent(const NSEvent& event) {
         if ((event.modifierFlags() & NSEventModifierFlagCommand) != 0) {
             const auto content = contentView_;
             if (content->performKeyEquivalent(event)) break;
-            auto& application = NSApplication::sharedApplication();
-            const auto menu = application.modalWindow() ? nullptr : application.mainMenu();
-            if (menu && menu->performKeyEquivalent(event)) break;
+            if (isKeyOfMainMenu(event)) break;
         }
         if (const auto first = retained(firstResponder())) first->keyDown(event);
         break;

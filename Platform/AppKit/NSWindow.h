@@ -20,6 +20,7 @@ class WindowClient;
 class WindowPeer;
 } // namespace port
 
+// What the frame shows, and so lets the user do. Without Titled there is no frame.
 enum NSWindowStyleMask : unsigned {
     NSWindowStyleMaskTitled = 1,
     NSWindowStyleMaskClosable = 2,
@@ -81,7 +82,8 @@ public:
     // nothing is animated. Tells the delegate, and posts, what it changed: a resize whenever the content's size
     // is another, a move when the upper left corner is.
     void setFrame_display_animate(const NSRect& frame, bool display, bool animate);
-    // Some window systems place windows as they like.
+    // Some window systems place windows as they like. One with a title of which no screen would show the
+    // title bar comes onto the primary screen when it is shown.
     void setFrameTopLeftPoint(const NSPoint& point);
     bool showsResizeIndicator() const { return showsResizeIndicator_; } // true at first; nothing shows it
     void setShowsResizeIndicator(bool shows) { showsResizeIndicator_ = shows; }
@@ -108,8 +110,10 @@ public:
     void makeKeyAndOrderFront(NSObject* sender);
     void orderFront(NSObject* sender);
     void orderOut(NSObject* sender);
-    void performClose(NSObject* sender); // asks the delegate; an action too: "performClose:"
-    void close();                        // does not ask
+    // As the user closes it: asks the delegate; nothing if the style has no Closable. An action too:
+    // "performClose:".
+    void performClose(NSObject* sender);
+    void close(); // does not ask
     bool isVisible() const { return visible_; }
     bool isKeyWindow() const { return key_; }
     // Over another window, which gets no input meanwhile; and that window's, null without one.
@@ -180,6 +184,7 @@ private:
     void peerMoved();
     double topInset() const;
     void placePeer();
+    void keepWithinReach();
     bool mayHaveMenuBar() const;
     void setMenuBar(bool shown);
     void mainMenuChanged();

@@ -159,4 +159,6 @@ void stopWaiting() { FileQuestions::shared().setWaits(false); }
 
 void uninstall() { replace(nullptr); }
 
+std::string preferredLocalization() { return current()->mainBundle->preferredLocalization(); }
+
 } // namespace zr::backend

@@ -99,7 +99,7 @@ public:
     std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override { return readBitmap(path); }
     TextSize measure(std::string_view line, const FontDescription& font) override;
     std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
-                                                 bool resizable) override;
+                                                 port::WindowStyle style) override;
     std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
                                                     port::ViewClient& client) override;
     std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
@@ -121,7 +121,10 @@ public:
     std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override {
         return std::make_unique<RecordingBitmapCanvas>(size, scale, appearance());
     }
-    CGSize screenSize() const override { return options.screenSize; }
+    std::vector<port::Screen> screens() const override {
+        const CGRect whole{NSZeroPoint, options.screenSize};
+        return {{whole, whole}};
+    }
     double screenScale() const override { return options.scale; }
     void run() override;
     void stop() override { stopped = true; }
@@ -151,8 +154,8 @@ public:
 
 class WindowImplementation final : public Window {
 public:
-    WindowImplementation(System& platform, port::WindowClient& owner, CGSize size, bool canResize)
-        : system(platform), client(&owner), contentSize_(size), resizable(canResize) {}
+    WindowImplementation(System& platform, port::WindowClient& owner, CGSize size, port::WindowStyle frameStyle)
+        : system(platform), client(&owner), contentSize_(size), style(frameStyle) {}
     ~WindowImplementation() override {
         if (root) root->walk([](View& view) { view.window = nullptr; });
     }
@@ -210,7 +213,7 @@ public:
     CGSize minimum;
     CGSize maximum{16777215, 16777215};
     CGPoint origin{100, 100};
-    bool resizable;
+    port::WindowStyle style;
     bool visible = false;
     bool key = false;
     bool updateScheduled = false;
@@ -612,7 +615,7 @@ bool WindowImplementation::typed(const InputEvent& event) {
 }
 
 void WindowImplementation::resizeByUser(CGSize size) {
-    if (!resizable) return;
+    if (!style.resizable) return;
     auto& platform = system;
     setContentSize({std::min(maximum.width, std::max(minimum.width, size.width)),
                     std::min(maximum.height, std::max(minimum.height, size.height))});
@@ -636,7 +639,7 @@ void WindowImplementation::moveByUser(CGPoint contentOrigin) {
 bool WindowImplementation::closeByUser() {
     if (sheetParent) return sheetParent->closeByUser(); // a sheet and its window are one to the user
     auto& platform = system;
-    if (isBlockedByModalWindow() || !client->peerShouldClose()) return false;
+    if (!style.closable || isBlockedByModalWindow() || !client->peerShouldClose()) return false;
     if (platform.has(this)) client->peerClosed();
     platform.display();
     return true;
@@ -852,9 +855,9 @@ TextSize System::measure(std::string_view line, const FontDescription& font) {
 }
 
 std::unique_ptr<port::WindowPeer> System::makeWindow(port::WindowClient& client, CGSize contentSize,
-                                                     bool resizable) {
+                                                     port::WindowStyle style) {
     return std::make_unique<WindowPeer>(
-        std::make_unique<WindowImplementation>(*this, client, contentSize, resizable));
+        std::make_unique<WindowImplementation>(*this, client, contentSize, style));
 }
 
 std::unique_ptr<port::ViewPeer> System::makeContentView(port::WindowPeer& window, port::ViewClient& client) {

@@ -7,6 +7,9 @@
 #include <FoundationBackends/Host.h>
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 
 #include <filesystem>
 #include <optional>
@@ -57,6 +60,10 @@ struct Application::Parts {
     Parts(int& argc, char** argv, Options options)
         : qt(std::make_unique<QApplication>(argc, argv)), platform(std::in_place, std::move(options)) {
         QApplication::setQuitOnLastWindowClosed(false); // the application object decides
+        const auto language = QString::fromStdString(backend::preferredLocalization());
+        if (!language.isEmpty() && texts.load(QLocale(language), QStringLiteral("qtbase"), QStringLiteral("_"),
+                                              QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+            QCoreApplication::installTranslator(&texts);
     }
     // The Wayland client of Qt 6.4 now and then waits for ever for one of its own threads when it is destroyed:
     // there the end of the process ends it.
@@ -64,6 +71,7 @@ struct Application::Parts {
         platform.reset();
         if (QGuiApplication::platformName().startsWith("wayland")) static_cast<void>(qt.release());
     }
+    QTranslator texts; // those of Qt's own dialogs
     std::unique_ptr<QApplication> qt;
     std::optional<Platform> platform;
 };

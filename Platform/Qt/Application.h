@@ -36,7 +36,8 @@ private:
     std::unique_ptr<Parts> parts_;
 };
 
-// The same, for programs without a QApplication: it makes one. Then NSApplication::sharedApplication().run().
+// The same, for programs without a QApplication: it makes one, which has Qt's own texts in the language of the
+// main bundle. Then NSApplication::sharedApplication().run().
 class Application {
 public:
     // Qt takes its own options out of the arguments; both must live as long as this.

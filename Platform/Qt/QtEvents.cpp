@@ -127,6 +127,7 @@ InputEvent inputEvent(const QKeyEvent& event) {
     // Where Control or Alt made another character, or none, of the key.
     const bool printable = event.key() > 0x20 && event.key() < 0x7f;
     QString plain = printable ? QString(QChar(event.key())) : event.text();
+    if (result.keyCode == kKeyCodeTab) plain = QLatin1Char('\t');
     if (!event.modifiers().testFlag(Qt::ShiftModifier)) plain = plain.toLower();
     result.charactersIgnoringModifiers = plain.toStdString();
     return result;

@@ -13,7 +13,8 @@ namespace {
 QString shortcutOf(const port::MenuItem& item) {
     const QString key = QString::fromStdString(item.key);
     const QChar character = key.size() == 1 ? key.front() : QChar();
-    if (!character.isPrint()) return {};
+    const bool isTab = character == QLatin1Char('\t');
+    if (!character.isPrint() && !isTab) return {};
     Qt::KeyboardModifiers modifiers;
     for (const auto& [ours, theirs] : {std::pair{NSEventModifierFlagShift, Qt::ShiftModifier},
                                        {NSEventModifierFlagCommand, Qt::ControlModifier},
@@ -21,7 +22,8 @@ QString shortcutOf(const port::MenuItem& item) {
                                        {NSEventModifierFlagControl, Qt::MetaModifier}})
         modifiers.setFlag(theirs, (item.modifierFlags & ours) != 0);
     if (character.isUpper()) modifiers |= Qt::ShiftModifier;
-    const QKeyCombination keys(modifiers, static_cast<Qt::Key>(character.toUpper().unicode()));
+    const QKeyCombination keys(modifiers,
+                               isTab ? Qt::Key_Tab : static_cast<Qt::Key>(character.toUpper().unicode()));
     return QKeySequence(keys).toString(QKeySequence::NativeText);
 }
 

@@ -1,9 +1,12 @@
 #include "QtEvents.h"
 #include "QtTable.h"
 
+#include <QHelpEvent>
 #include <QItemSelection>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QStyle>
+#include <QToolTip>
 
 #include <limits>
 #include <utility>
@@ -69,6 +72,7 @@ TableWidget::TableWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink
     setFrameShape(QFrame::NoFrame);
     setShowGrid(false);
     setWordWrap(false);
+    setTextElideMode(Qt::ElideMiddle); // of paths both ends tell
     setCornerButtonEnabled(false);
     setSelectionMode(NoSelection);
     setEditTriggers(NoEditTriggers);
@@ -130,6 +134,20 @@ void TableWidget::mouse(QMouseEvent& event) {
 
 void TableWidget::key(QKeyEvent& event) {
     if (client) offer(*this, link, event, inputEvent(event), {});
+}
+
+// The whole of a text that is not shown whole.
+bool TableWidget::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QTableView::viewportEvent(event);
+    const auto& help = static_cast<const QHelpEvent&>(*event);
+    const QModelIndex cell = indexAt(help.pos());
+    const QString text = cell.data().toString();
+    const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1);
+    if (fontMetrics().horizontalAdvance(text) + margins > columnWidth(cell.column()))
+        QToolTip::showText(help.globalPos(), text.toHtmlEscaped(), viewport(), visualRect(cell));
+    else
+        QToolTip::hideText();
+    return true;
 }
 
 bool TableWidget::focusNextPrevChild(bool next) {

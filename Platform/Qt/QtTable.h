@@ -53,6 +53,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override { mouse(*event); }
     void keyPressEvent(QKeyEvent* event) override { key(*event); }
     void keyReleaseEvent(QKeyEvent* event) override { key(*event); }
+    bool viewportEvent(QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;

@@ -118,12 +118,22 @@ private:
     std::optional<std::size_t> selected_;
 };
 
+Qt::WindowFlags flagsOf(port::WindowStyle style) {
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
+    if (!style.titled) return flags | Qt::FramelessWindowHint;
+    flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+    flags.setFlag(Qt::WindowCloseButtonHint, style.closable);
+    flags.setFlag(Qt::WindowMinimizeButtonHint, style.miniaturizable);
+    flags.setFlag(Qt::WindowMaximizeButtonHint, style.resizable);
+    return flags;
+}
+
 CGSize sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
 
 } // namespace
 
-WindowWidget::WindowWidget(port::WindowClient& windowClient)
-    : QWidget(nullptr, Qt::Window), client(&windowClient) {
+WindowWidget::WindowWidget(port::WindowClient& windowClient, port::WindowStyle style)
+    : QWidget(nullptr, flagsOf(style)), client(&windowClient), closable(style.closable) {
     link->client = client;
     setAttribute(Qt::WA_QuitOnClose, false); // the application object decides when the program ends
 }
@@ -147,6 +157,7 @@ void WindowWidget::closeEvent(QCloseEvent* event) {
         sheetParent->close(); // a sheet and its window are one to the user
         return;
     }
+    if (!closable) return;
     const QPointer<WindowWidget> self = this; // the answer may take a while, and the widget with it
     if (client && client->peerShouldClose() && self && self->client) self->client->peerClosed();
 }
@@ -192,10 +203,10 @@ void WindowWidget::changeEvent(QEvent* event) {
     if (event->type() == QEvent::ActivationChange && client) client->peerKeyChanged(isActiveWindow());
 }
 
-WindowPeer::WindowPeer(port::WindowClient& client, CGSize contentSize, bool resizable)
-    : widget_(new WindowWidget(client)), resizable_(resizable) {
+WindowPeer::WindowPeer(port::WindowClient& client, CGSize contentSize, port::WindowStyle style)
+    : widget_(new WindowWidget(client, style)), style_(style) {
     widget_->resize(wholeSize(contentSize));
-    if (!resizable_) widget_->setFixedSize(widget_->size());
+    if (!style_.resizable) widget_->setFixedSize(widget_->size());
 }
 
 WindowPeer::~WindowPeer() {
@@ -218,6 +229,8 @@ std::unique_ptr<port::ViewPeer> WindowPeer::makeContent(port::ViewClient& client
 // Showing, resizing and limiting a widget reach the client at once, which may let go of this peer.
 void WindowPeer::show(bool activate) {
     const QPointer<WindowWidget> widget = widget_;
+    if (widget && activate && widget->isMinimized())
+        widget->setWindowState(widget->windowState() & ~Qt::WindowMinimized);
     if (widget) widget->setAttribute(Qt::WA_ShowWithoutActivating, !activate);
     if (widget) widget->show();
     if (!activate) return;
@@ -302,7 +315,7 @@ CGSize WindowPeer::setContentSize(CGSize size) {
     WindowWidget* const widget = widget_.data();
     if (!widget) return size;
     const QSize whole = wholeSize(size) + QSize(0, widget->barHeight());
-    if (resizable_) {
+    if (style_.resizable) {
         const QSize now = widget->size();
         limit(now.boundedTo(whole), now.expandedTo(whole));
         widget->resize(whole);
@@ -323,7 +336,7 @@ void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
 // Qt would resize the window, now or later, to what it is limited to: limits are for the user alone.
 void WindowPeer::limit(QSize smallest, QSize largest) {
     WindowWidget* const widget = widget_.data();
-    if (!widget || !resizable_) return;
+    if (!widget || !style_.resizable) return;
     const QSize bar(0, widget->barHeight()), unlimited(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     widget->setMinimumSize((wholeSize(minimum_) + bar).boundedTo(smallest));
     widget->setMaximumSize((wholeSize(maximum_) + bar).boundedTo(unlimited).expandedTo(largest));

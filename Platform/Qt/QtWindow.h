@@ -14,12 +14,13 @@ namespace zr::qt {
 // The top-level widget of a window; the content view's widget fills it.
 class WindowWidget final : public QWidget {
 public:
-    explicit WindowWidget(port::WindowClient& windowClient);
+    WindowWidget(port::WindowClient& windowClient, port::WindowStyle style);
     ~WindowWidget() override;
 
     void scheduleUpdate();
 
     port::WindowClient* client; // null once the peer is gone
+    const bool closable;        // by the user
     std::shared_ptr<WindowLink> link = std::make_shared<WindowLink>();
     void placeSheet(); // where it belongs over its parent
     int menuHeight() const { return menuBar ? menuBar->height() : 0; }
@@ -51,7 +52,7 @@ struct TopLevelPeer {
 
 class WindowPeer final : public port::WindowPeer, public TopLevelPeer {
 public:
-    WindowPeer(port::WindowClient& client, CGSize contentSize, bool resizable);
+    WindowPeer(port::WindowClient& client, CGSize contentSize, port::WindowStyle style);
     ~WindowPeer() override;
 
     void show(bool activate) override;
@@ -84,7 +85,7 @@ private:
     QPointer<WindowWidget> widget_;
     QPointer<QWidget> behind_; // which was in front before this one was shown as modal
     CGSize minimum_{}, maximum_{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}; // of the content
-    bool resizable_;
+    port::WindowStyle style_;
 };
 
 } // namespace zr::qt

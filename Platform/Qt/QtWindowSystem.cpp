@@ -89,8 +89,8 @@ TextSize QtWindowSystem::measure(std::string_view line, const FontDescription& f
 }
 
 std::unique_ptr<port::WindowPeer> QtWindowSystem::makeWindow(port::WindowClient& client, CGSize contentSize,
-                                                             bool resizable) {
-    return std::make_unique<WindowPeer>(client, contentSize, resizable);
+                                                             port::WindowStyle style) {
+    return std::make_unique<WindowPeer>(client, contentSize, style);
 }
 
 std::unique_ptr<port::ViewPeer> QtWindowSystem::makeContentView(port::WindowPeer& window,
@@ -149,9 +149,14 @@ void QtWindowSystem::setAppearance(std::optional<Appearance> appearance) {
         QApplication::setPalette(*appearance == Appearance::dark ? darkPalette() : lightPalette());
 }
 
-CGSize QtWindowSystem::screenSize() const {
-    const auto* screen = QGuiApplication::primaryScreen();
-    return screen ? CGSize{double(screen->size().width()), double(screen->size().height())} : CGSize{};
+std::vector<port::Screen> QtWindowSystem::screens() const {
+    const auto rectOf = [](const QRect& rect) {
+        return CGRect{{double(rect.x()), double(rect.y())}, {double(rect.width()), double(rect.height())}};
+    };
+    std::vector<port::Screen> found;
+    for (const QScreen* screen : QGuiApplication::screens()) // the primary one first
+        found.push_back({rectOf(screen->geometry()), rectOf(screen->availableGeometry())});
+    return found;
 }
 
 void QtWindowSystem::run() { QApplication::exec(); }

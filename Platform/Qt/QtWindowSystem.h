@@ -24,7 +24,7 @@ public:
     std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override;
     TextSize measure(std::string_view line, const FontDescription& font) override;
     std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
-                                                 bool resizable) override;
+                                                 port::WindowStyle style) override;
     std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
                                                     port::ViewClient& client) override;
     std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
@@ -43,7 +43,7 @@ public:
                                                            port::TableHeaderClient& header) override;
     Appearance appearance() const override;
     void setAppearance(std::optional<Appearance> appearance) override;
-    CGSize screenSize() const override;
+    std::vector<port::Screen> screens() const override;
     double screenScale() const override { return qApp->devicePixelRatio(); }
     void run() override;
     void stop() override;

@@ -196,6 +196,11 @@ public:
     virtual void peerFocusLeft() = 0; // the keyboard went to what is none of our views
 };
 
+// What the frame of a window lets the user do. A window without a title has no frame.
+struct WindowStyle {
+    bool titled, closable, miniaturizable, resizable;
+};
+
 class WindowPeer {
 public:
     virtual ~WindowPeer() = default;

@@ -23,12 +23,18 @@ public:
     virtual TextSize measure(std::string_view line, const FontDescription& font) = 0;
 };
 
+// Points, from the top left of the primary screen.
+struct Screen {
+    CGRect frame;
+    CGRect visibleFrame; // without the desktop's own bars
+};
+
 // Makes peers. A view's peer is made as a child of its superview's.
 class PeerFactory {
 public:
     virtual ~PeerFactory() = default;
     virtual std::unique_ptr<WindowPeer> makeWindow(WindowClient& client, CGSize contentSize,
-                                                   bool resizable) = 0;
+                                                   WindowStyle style) = 0;
     virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
     virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;
     virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
@@ -84,7 +90,7 @@ class WindowSystem : public Graphics, public PeerFactory {
 public:
     virtual Appearance appearance() const = 0;
     virtual void setAppearance(std::optional<Appearance> appearance) = 0; // nothing: follow the desktop
-    virtual CGSize screenSize() const = 0;                                // of the primary screen, points
+    virtual std::vector<Screen> screens() const = 0;                      // the primary one first; may be none
     virtual double screenScale() const = 0; // device pixels for a point, the largest of all screens
     virtual void run() = 0;                 // until stop()
     virtual void stop() = 0;

@@ -139,7 +139,8 @@ protected:
                                          NSSize size = {200, 100}) {
         auto window =
             make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSRect{NSZeroPoint, size},
-                           NSWindowStyleMaskTitled | NSWindowStyleMaskResizable, NSBackingStoreBuffered, false);
+                           NSWindowStyleMaskTitled | NSWindowStyleMaskClosable | NSWindowStyleMaskResizable,
+                           NSBackingStoreBuffered, false);
         window->setTitle(title);
         window->setContentView(content);
         return window;

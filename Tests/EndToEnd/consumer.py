@@ -10,6 +10,8 @@ import subprocess
 import sys
 import tempfile
 
+from desktop import DEADLINE, Desktop, wait_until
+
 build, source = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
 
 
@@ -56,6 +58,12 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
 
     seen = run(folder / "build/qt_host", QT_QPA_PLATFORM="offscreen", QT_SCALE_FACTOR="1", LC_ALL="C.UTF-8")
     assert seen == KIT_SEES, f"the kit in a host of Qt's widgets sees\n{seen}"
+
+    with Desktop() as desktop:
+        host = desktop.start([str(folder / "build/host")], env=desktop.environment)
+        window = wait_until("the host's window", lambda: desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(host.pid)).split())
+        desktop.ask_to_close(window[0])
+        assert host.wait(DEADLINE) == 0, "the first host of the README does not end with its window"
 
     library = next(prefix.rglob("libZRUIKit.so"))
     symbols = {line.split()[-1]: line.split()[-2] for line in run("nm", "-D", "--defined-only", library).splitlines()}

@@ -91,9 +91,9 @@ int resolve(Words words) {
 
 int choose(Words words) {
     auto& application = zr::NSApplication::sharedApplication();
-    const auto window = zr::make<zr::NSWindow>(&zr::NSWindow::initWithContentRect_styleMask_backing_defer,
-                                               zr::NSMakeRect(0, 0, 300, 200), zr::NSWindowStyleMaskTitled,
-                                               zr::NSBackingStoreBuffered, false);
+    const auto window = zr::make<zr::NSWindow>(
+        &zr::NSWindow::initWithContentRect_styleMask_backing_defer, zr::NSMakeRect(0, 0, 300, 200),
+        zr::NSWindowStyleMaskTitled | zr::NSWindowStyleMaskClosable, zr::NSBackingStoreBuffered, false);
     window->setTitle("portal probe");
     window->makeKeyAndOrderFront(nullptr);
     const auto panel = zr::NSOpenPanel::openPanel();

@@ -102,7 +102,7 @@ class OnX11(PreferencesTest):
         studio = self.open()
         studio.click("saveButton")
         asked = studio.wait("the question", lambda d: d["alert"] and d["alert"]["key"])["alert"]
-        self.assertIn("“take.wav” cannot be saved in “clips”.", asked["texts"])
+        self.assertIn(f"“take.wav” cannot be saved in “{self.clips}”.", " ".join(asked["texts"]).replace("\n", " "))
         self.desktop.pointer("key", "Escape")
         studio.wait("the end of the question", lambda d: not d["alert"])
         shown = self.open_by_key(studio)
@@ -113,6 +113,39 @@ class OnX11(PreferencesTest):
         self.desktop.pointer("key", "ctrl+q")
         self.assertEqual(studio.ended(), 0)
         self.assertNotIn("SaveFolder", self.stored())
+
+    def test_the_keyboard_goes_from_pane_to_pane(self):
+        studio = self.open()
+        self.open_by_key(studio)
+        for key, pane in (("ctrl+Tab", "TrustedViewController"), ("ctrl+Tab", PANE), ("ctrl+shift+Tab", "TrustedViewController")):
+            self.desktop.pointer("key", key)
+            studio.wait_for_preferences(pane, lambda p: p["pane"] == pane)
+        self.desktop.pointer("key", "ctrl+q")
+        self.assertEqual(studio.ended(), 0)
+
+    def test_minimised_they_come_back(self):
+        studio = self.open()
+        self.open_by_key(studio)
+        window = self.windows(studio, "--name", "^Preferences$").pop()
+        self.desktop.pointer("windowminimize", "--sync", window)
+        self.assertEqual(self.windows(studio, "--name", "^Preferences$"), set())
+        self.desktop.pointer("windowactivate", "--sync", studio.window)
+        self.desktop.pointer("key", "ctrl+comma")
+        wait_until("the preferences", lambda: self.windows(studio, "--name", "^Preferences$"))
+        self.wait_until_key(studio)
+        self.desktop.pointer("key", "ctrl+q")
+        self.assertEqual(studio.ended(), 0)
+
+    def test_a_place_that_is_on_no_screen_is_given_up(self):
+        store(self.desktop, {"MASPreferences Selected Identifier View": PANE, "MASPreferences Frame Top Left": "{3000, -500}"})
+        studio = self.open()
+        x, y, width, height = self.open_by_key(studio)["rect"]
+        self.assertGreaterEqual(x, 0)
+        self.assertLessEqual(x + width, 1280)
+        self.assertGreaterEqual(y, 0)
+        self.assertLessEqual(y + height, 800)
+        self.desktop.pointer("key", "ctrl+q")
+        self.assertEqual(studio.ended(), 0)
 
     def test_the_next_run_brings_back_place_size_and_pane(self):
         studio = self.open()

@@ -97,7 +97,7 @@ class Trusting(TrimmingTest):
         self.authorize(studio, self.closed)
         # A plain folder stays as it is.
         asked = self.wait_for_question(studio, "cannot be saved in")
-        self.assertIn("“take.wav” cannot be saved in “closed”.", " ".join(asked["texts"]).replace("\n", " "))
+        self.assertIn(f"“take.wav” cannot be saved in “{self.closed}”.", " ".join(asked["texts"]).replace("\n", " "))
         studio.click_in("alert", "Choose Folder…")
         self.choose_in_dialog(studio, "Choose", self.clips)
         saved = studio.wait("the saved file", lambda d: d["saved"])["saved"]
@@ -221,6 +221,9 @@ class Trusting(TrimmingTest):
         self.open_preferences(studio)
         self.click_button(studio, "Cancel")
         self.rows(studio, "what was restored by then", [folders[0]])
+        self.desktop.pointer("key", "ctrl+w")  # which forgets none of the others
+        studio.wait_for_preferences("their end", lambda p: p is None)
+        self.desktop.pointer("windowactivate", "--sync", studio.window)
         # Quitting waits for none of the others.
         begin = time.monotonic()
         self.quit(studio)

@@ -30,7 +30,8 @@ protected:
     void show(const std::shared_ptr<NSView>& content, NSSize size) {
         window_ =
             make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSRect{NSZeroPoint, size},
-                           NSWindowStyleMaskTitled | NSWindowStyleMaskResizable, NSBackingStoreBuffered, false);
+                           NSWindowStyleMaskTitled | NSWindowStyleMaskClosable | NSWindowStyleMaskResizable,
+                           NSBackingStoreBuffered, false);
         window_->setTitle("window under test");
         window_->setContentView(content);
         window_->makeKeyAndOrderFront(nullptr);

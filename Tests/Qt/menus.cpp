@@ -140,6 +140,19 @@ TEST_F(QtMenus, AKeyEquivalentActsOnceAndTheMenuStaysOutOfIt) {
     EXPECT_THAT(document_->log, ElementsAre("cut", "cut")) << "after it was filled, too";
 }
 
+TEST_F(QtMenus, TabMayBeAKey) {
+    const auto item = edit_->addItemWithTitle_action_keyEquivalent("Next", "cut:", "\t");
+    edit_->addItemWithTitle_action_keyEquivalent("Previous", "cut:", "\t")
+        ->setKeyEquivalentModifierMask(NSEventModifierFlagCommand | NSEventModifierFlagShift);
+    type(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(document_->log.size(), 1u);
+    type(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(document_->log.size(), 2u);
+    ASSERT_NE(open(), nullptr);
+    EXPECT_THAT(texts(*popup()), testing::IsSupersetOf({"Next\tCtrl+Tab", "Previous\tCtrl+Shift+Tab"}));
+    type(Qt::Key_Escape);
+}
+
 TEST_F(QtMenus, TheKeyboardGoesThereByF10AndBack) {
     EXPECT_EQ(window_->firstResponder(), document_.get());
     type(Qt::Key_F10);

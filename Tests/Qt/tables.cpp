@@ -4,8 +4,10 @@
 #include <AppKit/NSTextField.h>
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QScrollBar>
 #include <QTableView>
+#include <QToolTip>
 #include <QWheelEvent>
 
 namespace zr {
@@ -62,6 +64,24 @@ TEST_F(QtTables, ShowTextsAndTitles) {
     EXPECT_EQ(header().model()->headerData(0, Qt::Horizontal).toString(), "title a");
     EXPECT_EQ(header().height(), 23);
     picture().save(QCoreApplication::applicationDirPath() + "/table.png");
+}
+
+TEST_F(QtTables, ALongTextKeepsItsEndsAndIsShownWholeInAHelpTag) {
+    rows_->prefix = "/a very long path that does not fit into the column of this table/";
+    open(1, {"a"});
+    EXPECT_EQ(view().textElideMode(), Qt::ElideMiddle);
+    const auto helpOver = [](int row) {
+        const QPoint middle = view().visualRect(view().model()->index(row, 0)).center();
+        QHelpEvent event(QEvent::ToolTip, middle, view().viewport()->mapToGlobal(middle));
+        QCoreApplication::sendEvent(view().viewport(), &event);
+        return QToolTip::isVisible() ? QToolTip::text().toStdString() : "none";
+    };
+    EXPECT_EQ(helpOver(0), rows_->prefix + "a0");
+    QToolTip::hideText();
+    QTRY_VERIFY(!QToolTip::isVisible());
+    rows_->prefix = "short ";
+    table_->reloadData();
+    EXPECT_EQ(helpOver(0), "none");
 }
 
 TEST_F(QtTables, RealClicksSelectRows) {

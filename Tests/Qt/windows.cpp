@@ -143,6 +143,56 @@ TEST_F(QtWindows, ResizingAndMovingByTheUserIsReported) {
     EXPECT_EQ(window_->backingScaleFactor(), ratio());
 }
 
+TEST_F(QtWindows, TheFrameLetsTheUserDoWhatTheStyleSays) {
+    const auto flags = [this](unsigned style) {
+        const auto window = make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer,
+                                           NSMakeRect(0, 0, 100, 50), style, NSBackingStoreBuffered, false);
+        window->setTitle("styled");
+        window->makeKeyAndOrderFront(nullptr);
+        QWidget* found = nullptr;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->windowTitle() == "styled" && widget->isVisible()) found = widget;
+        EXPECT_NE(found, nullptr);
+        found->close();
+        EXPECT_EQ(window->isVisible(), (style & NSWindowStyleMaskClosable) == 0);
+        const auto result = found->windowFlags();
+        window->close();
+        settle();
+        return result;
+    };
+    const auto bare = flags(NSWindowStyleMaskTitled);
+    EXPECT_FALSE(bare & (Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint |
+                         Qt::WindowMaximizeButtonHint | Qt::FramelessWindowHint));
+    EXPECT_TRUE(bare & Qt::WindowTitleHint);
+    EXPECT_TRUE(flags(NSWindowStyleMaskTitled | NSWindowStyleMaskClosable) & Qt::WindowCloseButtonHint);
+    EXPECT_TRUE(flags(NSWindowStyleMaskTitled | NSWindowStyleMaskMiniaturizable) &
+                Qt::WindowMinimizeButtonHint);
+    EXPECT_TRUE(flags(NSWindowStyleMaskTitled | NSWindowStyleMaskResizable) & Qt::WindowMaximizeButtonHint);
+    EXPECT_TRUE(flags(0) & Qt::FramelessWindowHint);
+}
+
+TEST_F(QtWindows, AMinimisedWindowComesBackWhenItIsToHaveTheKeyboard) {
+    topLevel()->showMinimized();
+    settle();
+    ASSERT_TRUE(topLevel()->isMinimized());
+    window_->makeKeyAndOrderFront(nullptr);
+    settle();
+    EXPECT_FALSE(topLevel()->isMinimized());
+    EXPECT_TRUE(topLevel()->isVisible());
+}
+
+TEST_F(QtWindows, AWindowComesOntoTheScreenWhenItIsShown) {
+    window_->orderOut(nullptr);
+    const NSRect visible = NSScreen::mainScreen().visibleFrame();
+    EXPECT_EQ(visible.size.width, QGuiApplication::primaryScreen()->availableSize().width());
+    window_->setFrameTopLeftPoint({NSMaxX(visible) + 500, NSMinY(visible) - 500});
+    window_->makeKeyAndOrderFront(nullptr);
+    settle();
+    EXPECT_EQ(NSMaxX(window_->frame()), NSMaxX(visible));
+    EXPECT_EQ(NSMinY(window_->frame()), NSMinY(visible));
+    EXPECT_TRUE(QGuiApplication::primaryScreen()->availableGeometry().contains(topLevel()->geometry()));
+}
+
 TEST_F(QtWindows, AWidgetDeletedBehindTheKitsBackClosesTheWindow) {
     const auto keeper = std::make_shared<Keeper>();
     window_->setDelegate(keeper);

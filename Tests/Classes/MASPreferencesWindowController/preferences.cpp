@@ -482,6 +482,19 @@ TEST_F(PreferencesWindow, TheInitialKeyViewGetsTheKeyboard) {
     EXPECT_EQ(window_->firstResponder(), window_.get()) << "no view is an answer, too";
 }
 
+TEST_F(PreferencesWindow, APaneMaySelectAnotherWhenItIsToAppear) {
+    const auto c = pane("C");
+    open({a_, b_, c});
+    b_->onAppear = [&] { select(c); };
+    select(b_);
+    EXPECT_EQ(controller_->selectedViewController(), c);
+    EXPECT_EQ(window_->contentView(), c->view().get());
+    EXPECT_EQ(window_->toolbar()->selectedItemIdentifier(), std::optional<std::string>("C"));
+    EXPECT_EQ(window_->nextResponder(), c.get());
+    EXPECT_EQ(std::ranges::count(happenings(), "posted 2"), 1);
+    EXPECT_EQ(std::ranges::count(happenings(), "posted 1"), 0);
+}
+
 TEST_F(PreferencesWindow, AViewThatTookTheKeyboardBeforeKeepsIt) {
     const auto field = make<NSTextField>(NSMakeRect(0, 200, 100, 24)),
                other = make<NSTextField>(NSMakeRect(0, 0, 1, 1));

@@ -437,6 +437,31 @@ TEST_F(TrustedPane, RemovesTheSelectedRows) {
     EXPECT_TRUE(pane_->isExsistWithUrl(url("c")));
 }
 
+TEST_F(TrustedPane, RemovesTheSelectedRowsWithDelete) {
+    storeFolders({"a", "b"});
+    createAndShow();
+    window_->setNextResponder(pane_.get()); // as the preferences window does
+    user_->keyDown(kKeyCodeDelete, "\b");
+    EXPECT_THAT(storedNames(), ElementsAre("a", "b")) << "not under the overlay";
+    letRestoreEnd();
+    EXPECT_TRUE(user_->clickRow("folders", 0));
+    user_->keyDown(kKeyCodeDelete, "\b");
+    EXPECT_THAT(rows(), ElementsAre("b"));
+    EXPECT_THAT(storedNames(), ElementsAre("b"));
+    user_->keyDown(kKeyCodeSpace, " ");
+    EXPECT_THAT(storedNames(), ElementsAre("b"));
+}
+
+TEST_F(TrustedPane, ItsButtonsAreOffWhileItRestores) {
+    createAndShow();
+    EXPECT_FALSE(button("+")->isEnabled());
+    EXPECT_FALSE(button("\u2212")->isEnabled());
+    EXPECT_TRUE(button("Cancel")->isEnabled());
+    letRestoreEnd();
+    EXPECT_TRUE(button("+")->isEnabled());
+    EXPECT_TRUE(button("\u2212")->isEnabled());
+}
+
 TEST_F(TrustedPane, RemovesNothingWithoutASelection) {
     storeFolders({"a"});
     createAndShow();
@@ -493,6 +518,13 @@ TEST_F(TrustedPane, ShowsThePathInEveryColumn) {
     EXPECT_EQ(pane_->numberOfRowsInTableView(*pane_->tableView()), 1);
     for (const auto& column : pane_->tableView()->tableColumns())
         EXPECT_EQ(pane_->tableView_objectValueForTableColumn_row(*pane_->tableView(), *column, 0), at("a"));
+
+    pane_->tableView()->reloadData();
+    platform_->display();
+    pane_->setAryItems({});
+    user_->resizeByUser({500, 300});
+    pane_->tableView()->setNeedsDisplay(true);
+    EXPECT_THAT(rows(), ElementsAre("")) << "the table does not know yet";
 }
 
 // In the preferences window

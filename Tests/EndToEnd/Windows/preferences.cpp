@@ -2,7 +2,9 @@
 #include "SaveFolder.h"
 #include "WindowWithFile.h"
 
+#include <AppKit/NSTableView.h>
 #include <Foundation/NSUserDefaults.h>
+#include <HostLibraries/GlobalFun.h>
 #include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 namespace trimstudio {
@@ -12,6 +14,8 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -50,6 +54,32 @@ protected:
         click("chooseButton");
         ASSERT_EQ(platform_.openPanels().size(), 1u);
         platform_.openPanels().front()->choose({folder.string()});
+    }
+    // The trusted folders are shown, and these stored; then something happens, and the restore.
+    std::shared_ptr<ZRTrustedPathViewCtl> restoredPane(const std::vector<std::string>& names,
+                                                       const std::function<void()>& before) {
+        PropertyList::Array bookmarks;
+        for (const auto& name : names) {
+            fs::create_directory(folder_ / name);
+            bookmarks.emplace_back(
+                GlobalFun::BookmarkDataForURL(NSURL::fileURLWithPath((folder_ / name).string())).value());
+        }
+        NSUserDefaults::standardUserDefaults()->setObject_forKey(std::move(bookmarks), "BookmarksKey");
+        EXPECT_TRUE(shown().clickToolbarItem("Trusted Paths"));
+        before();
+        platform_.advance(0.3);
+        platform_.runUntilIdle();
+        return ZRTrustedPathViewCtl::sharedInstance();
+    }
+    static std::vector<std::string> trustedNames() {
+        std::vector<std::string> names;
+        const auto stored = NSUserDefaults::standardUserDefaults()->arrayForKey("BookmarksKey");
+        for (const auto& entry : *stored) {
+            const auto values =
+                NSURL::resourceValuesForKeys_fromBookmarkData({NSURLPathKey}, *entry.get<NSData>());
+            names.push_back(fs::path(values->at(NSURLPathKey).description()).filename());
+        }
+        return names;
     }
     void save() {
         window_->saveTrimmed(nullptr);
@@ -101,6 +131,29 @@ TEST_F(PreferencesTest, ListTheFoldersThatAreTrusted) {
     platform_.advance(0.3);
     platform_.runUntilIdle();
     EXPECT_TRUE(pane->loadingBgView()->isHidden());
+}
+
+TEST_F(PreferencesTest, RemoveFromTheStoreWhatTheyRemoveFromTheList) {
+    const auto pane = restoredPane({"gone", "a", "b"}, [this] { fs::remove(folder_ / "gone"); });
+    EXPECT_EQ(pane->tableView()->numberOfRows(), 2);
+    pane->tableView()->selectRowIndexes_byExtendingSelection({0}, false);
+    pane->removeFolderDown(nullptr);
+    EXPECT_EQ(pane->tableView()->numberOfRows(), 1);
+    EXPECT_THAT(trustedNames(), ElementsAre("gone", "b")) << "a program that ends now has not lost b";
+}
+
+TEST_F(PreferencesTest, ForgetNoFolderThatACancelledRestoreHasNotReached) {
+    const auto pane = restoredPane({"a", "b", "c"},
+                                   [] { ZRTrustedPathViewCtl::sharedInstance()->loadingCancelClick(nullptr); });
+    EXPECT_THAT(trustedNames(), ElementsAre("b", "c")) << "the first was being restored";
+    EXPECT_TRUE(shown().closeByUser());
+    EXPECT_THAT(trustedNames(), ElementsAre("b", "c"));
+    pane->addToBookmarkWithPath((folder_ / "clips").string());
+    EXPECT_THAT(trustedNames(), ElementsAre("b", "c", "clips"));
+    pane->tableView()->reloadData();
+    pane->tableView()->selectRowIndexes_byExtendingSelection({0}, false);
+    pane->removeFolderDown(nullptr);
+    EXPECT_THAT(trustedNames(), ElementsAre("b", "c")) << "clips is the only row";
 }
 
 TEST_F(PreferencesTest, RecordingsAreSavedBesideTheirOriginalsUntilAFolderIsChosen) {

@@ -81,7 +81,7 @@ protected:
         EXPECT_FALSE(window_->failed());
     }
     std::string refusal(const fs::path& folder) const {
-        return "“take.wav” cannot be saved in “" + folder.filename().string() + "”.";
+        return "“take.wav” cannot be saved in “" + folder.string() + "”.";
     }
 
     std::shared_ptr<ZRTrustedPathViewCtl> trusted_;
@@ -121,6 +121,16 @@ TEST_F(SavePlaces, AreTestedAgainWhenTheyAreAuthorized) {
     EXPECT_THAT(trustedNames(), ElementsAre(folder_.filename().string()));
 }
 
+TEST_F(SavePlaces, AreWhatTheUserPicksForAuthorizing) {
+    answer(true);
+    choose(folder_ / "open");
+    save();
+    EXPECT_THAT(happened_, ElementsAre("Warnning!", "Authorize"));
+    EXPECT_THAT(filesIn(folder_ / "open"), UnorderedElementsAre("take-trimmed.wav"));
+    EXPECT_THAT(trustedNames(), ElementsAre("open"));
+    EXPECT_EQ(saveFolder(), std::nullopt) << "this time only";
+}
+
 // A plain folder stays as it is, however much it is authorised.
 TEST_F(SavePlaces, MayBeOthersInstead) {
     answer(true);
@@ -136,7 +146,7 @@ TEST_F(SavePlaces, MayBeOthersInstead) {
 
 TEST_F(SavePlaces, AreAskedForUntilOneCanBeWrittenToOrTheUserCancels) {
     answer(true);
-    choose(folder_ / "open");
+    choose(folder_ / "closed");
     answer(true);
     choose(folder_ / "closed");
     answer(false);
@@ -144,7 +154,7 @@ TEST_F(SavePlaces, AreAskedForUntilOneCanBeWrittenToOrTheUserCancels) {
     EXPECT_THAT(happened_,
                 ElementsAre("Warnning!", "Authorize", refusal(folder_), "Choose", refusal(folder_ / "closed")));
     expectNothingSaved();
-    EXPECT_THAT(trustedNames(), ElementsAre("open")) << "what was picked for authorising stays trusted";
+    EXPECT_THAT(trustedNames(), ElementsAre("closed")) << "what was picked for authorising stays trusted";
 }
 
 TEST_F(SavePlaces, AreAskedForWhereTheFolderOfThePreferencesIsGone) {
@@ -152,7 +162,7 @@ TEST_F(SavePlaces, AreAskedForWhereTheFolderOfThePreferencesIsGone) {
     answer(true);
     choose(folder_ / "open");
     save();
-    EXPECT_THAT(happened_, ElementsAre(refusal("gone"), "Choose")) << "there is nothing to authorise";
+    EXPECT_THAT(happened_, ElementsAre(refusal(folder_ / "gone"), "Choose")) << "there is nothing to authorise";
     EXPECT_THAT(filesIn(folder_ / "open"), UnorderedElementsAre("take-trimmed.wav"));
     EXPECT_EQ(saveFolder(), folder_ / "gone");
 }

@@ -2,6 +2,7 @@
 
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSMenu.h>
+#include <AppKit/NSTextField.h>
 #include <AppKit/NSToolbar.h>
 
 namespace zr {
@@ -195,6 +196,40 @@ TEST_F(MenuBars, AreBlockedByASheetAndByAModalSession) {
     });
     application().runModalForWindow(*modal);
     EXPECT_THAT(target->log, ElementsAre("cut by Cut"));
+}
+
+TEST_F(MenuBars, AKeyWithoutCommandActsWhenNobodyElseWantsIt) {
+    const auto key = [&](unsigned mask, const std::string& character) {
+        edit_->addItemWithTitle_action_keyEquivalent("Item", "cut:", character)
+            ->setKeyEquivalentModifierMask(mask);
+    };
+    key(0, "b");
+    key(NSEventModifierFlagOption, "a");
+    key(NSEventModifierFlagControl, "d");
+    const auto [window, editor] = document();
+    user().keyDown(kKeyCodeUnknown, "b");
+    EXPECT_THAT(editor->log, ElementsAre("cut by Item"));
+    user().keyDown(kKeyCodeUnknown, "a", NSEventModifierFlagOption);
+    user().keyDown(kKeyCodeUnknown, "d", NSEventModifierFlagControl);
+    EXPECT_EQ(editor->log.size(), 3u);
+    user().keyDown(kKeyCodeUnknown, "b", NSEventModifierFlagOption);
+    EXPECT_EQ(editor->log.size(), 3u);
+
+    const auto field = make<NSTextField>(NSMakeRect(0, 0, 100, 24));
+    field->setIdentifier("field");
+    editor->addSubview(field);
+    window->makeFirstResponder(field.get());
+    user().type("b");
+    EXPECT_EQ(editor->log.size(), 3u);
+    EXPECT_EQ(user().labelText("field"), "b");
+
+    window->makeFirstResponder(editor.get());
+    platform_.script([&] {
+        user().keyDown(kKeyCodeUnknown, "b");
+        application().stopModal();
+    });
+    application().runModalForWindow(*MenuBars::window(NSWindowStyleMaskTitled));
+    EXPECT_EQ(editor->log.size(), 3u) << "none acts in a modal session";
 }
 
 TEST_F(MenuBars, AnItemMayCloseItsWindow) {

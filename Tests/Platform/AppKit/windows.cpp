@@ -174,6 +174,44 @@ TEST_F(Windows, AWindowOrderedOutIsHeldAndComesBack) {
     EXPECT_TRUE(window_->isVisible());
 }
 
+TEST_F(Windows, AWindowThatIsNotClosableIsNotClosedByTheUser) {
+    const auto window =
+        make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSMakeRect(0, 0, 100, 50),
+                       unsigned{NSWindowStyleMaskTitled}, NSBackingStoreBuffered, false);
+    window->makeKeyAndOrderFront(nullptr);
+    window->setDelegate(recorder_);
+    EXPECT_FALSE(platform_.windows().back()->closeByUser());
+    window->performClose(nullptr);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_THAT(recorder_->taken(), IsEmpty());
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(Windows, AWindowComesOntoTheScreenWhenItIsShown) {
+    // The screen is 1280 x 800 points.
+    const auto shownAt = [](const NSRect& frame, unsigned style = NSWindowStyleMaskTitled) {
+        const auto window = make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSZeroRect,
+                                           style, NSBackingStoreBuffered, false);
+        window->setFrame_display_animate(frame, false, false);
+        window->orderFront(nullptr);
+        const NSRect shown = window->frame();
+        window->close();
+        EXPECT_EQ(shown.size.width, frame.size.width);
+        return NSPoint{shown.origin.x, NSMaxY(shown)};
+    };
+    for (const NSPoint topLeft : {NSPoint{0, 800}, {-340, 800}, {1220, 22}, {500, 400}})
+        EXPECT_EQ(shownAt({{topLeft.x, topLeft.y - 300}, {400, 300}}), topLeft)
+            << topLeft.x << " " << topLeft.y;
+    EXPECT_EQ(shownAt({{200, 900}, {400, 300}}), (NSPoint{200, 800}));
+    EXPECT_EQ(shownAt({{200, -300}, {400, 300}}), (NSPoint{200, 300}));
+    EXPECT_EQ(shownAt({{200, -279}, {400, 300}}), (NSPoint{200, 300}));
+    EXPECT_EQ(shownAt({{-341, 100}, {400, 300}}), (NSPoint{0, 400}));
+    EXPECT_EQ(shownAt({{1221, 100}, {400, 300}}), (NSPoint{880, 400}));
+    EXPECT_EQ(shownAt({{3000, 3000}, {1400, 900}}), (NSPoint{0, 800})) << "larger than the screen";
+    EXPECT_EQ(shownAt({{3000, 3000}, {400, 300}}, 0), (NSPoint{3000, 3300})) << "without a title bar";
+}
+
 TEST_F(Windows, TheApplicationHoldsAShownWindowUntilItCloses) {
     show(nullptr);
     const std::weak_ptr<NSWindow> watched = window_;
@@ -189,6 +227,8 @@ TEST_F(Windows, ScreenCoordinatesRunUpFromTheLowerLeft) {
     user_->moveByUser({300, 50});
     EXPECT_THAT(recorder_->taken(), ElementsAre("moved"));
     EXPECT_EQ(NSScreen::mainScreen().frame(), NSMakeRect(0, 0, 1280, 800));
+    EXPECT_EQ(NSScreen::mainScreen().visibleFrame(), NSMakeRect(0, 0, 1280, 800));
+    EXPECT_EQ(NSScreen::screens().size(), 1u);
     EXPECT_EQ(window_->convertRectToScreen(NSMakeRect(10, 20, 5, 6)), NSMakeRect(310, 800 - 150 + 20, 5, 6));
     EXPECT_EQ(window_->backingScaleFactor(), 1.0);
 }
@@ -238,6 +278,7 @@ TEST(WithoutAPlatform, TheApplicationIsAnErrorAndWindowsAreJustObjects) {
     window->makeKeyAndOrderFront(nullptr);
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(NSScreen::mainScreen().frame(), NSZeroRect);
+    EXPECT_THAT(NSScreen::screens(), IsEmpty());
 }
 
 TEST(WithoutAPlatform, EveryPlatformHasItsOwnApplication) {
