@@ -1,5 +1,6 @@
 #include "TrustedFoldersTest.h"
 
+#include <Foundation/Bookmark.h>
 #include <Foundation/NSRunLoop.h>
 
 #include <thread>
@@ -183,7 +184,8 @@ TEST_F(TrustedFolders, KeepTheThreadsRunLoopAlive) {
 // Access lasts: a folder whose bookmark was resolved is followed where it moves, though it was made in a run of
 // the program that has ended.
 TEST_F(TrustedFolders, AreAccessibleUntilTheProgramEnds) {
-    storeFolders({"a"});
+    make("a");
+    store({encoded({at("a"), "", ItemHandle::open(at("a"))->identity().value()})});
     restore();
     fs::rename(at("a"), at("moved"));
     bool isStale = false;
@@ -191,6 +193,16 @@ TEST_F(TrustedFolders, AreAccessibleUntilTheProgramEnds) {
         *stored()[0].get<NSData>(), 1024, std::nullopt, &isStale, nullptr);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->path(), at("moved"));
+}
+
+// A disk that is not the system's can be unmounted as long as nothing on it is held.
+TEST_F(TrustedFolders, AreNotHeldByTheirList) {
+    storeFolders({"a"});
+    const auto restored = restore();
+    ASSERT_EQ(restored.size(), 1u);
+    EXPECT_FALSE(restored[0].startAccessingSecurityScopedResource());
+    ASSERT_EQ(pane_->loadingItems().size(), 1u);
+    EXPECT_FALSE(pane_->loadingItems()[0].startAccessingSecurityScopedResource());
 }
 
 // Adding
@@ -228,6 +240,20 @@ TEST_F(TrustedFolders, AreNotAddedWhereThereIsNothing) {
     pane_->setAryItems({});
     pane_->addToBookmarkWithURL(url("nothing"));
     EXPECT_THAT(pane_->aryItems(), IsEmpty());
+}
+
+TEST_F(TrustedFolders, AreAddedAsTheyAreGiven) {
+    const NSURL given = url("a"); // not known to be a folder's
+    make("a");
+    pane_->addToBookmarkWithURL(given);
+    EXPECT_THAT(pane_->aryItems(), ElementsAre(given));
+}
+
+TEST_F(TrustedFolders, ThatHaveGoneAreNotToldToBeThereAlready) {
+    pane_->setAryItems({url("gone")});
+    testing::internal::CaptureStderr();
+    pane_->addToBookmarkWithURL(url("gone"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(TrustedFolders, AreAddedOnce) {
