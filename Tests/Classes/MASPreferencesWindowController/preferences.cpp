@@ -80,6 +80,14 @@ public:
 
 ZR_CLASS_TABLE(MovedView)
 
+class WatchedController : public MASPreferencesWindowController {
+public:
+    ZR_CLASS(WatchedController, MASPreferencesWindowController)
+    void windowWillLoad() override { happenings().emplace_back("window will load"); }
+};
+
+ZR_CLASS_TABLE(WatchedController)
+
 std::shared_ptr<PreferencesPane> pane(const std::string& name, NSSize size = {400, 300},
                                       unsigned mask = kWidthSizable | kHeightSizable) {
     return make<PreferencesPane>(&PreferencesPane::initWithName_size_mask, name, size, mask);
@@ -579,6 +587,20 @@ TEST_F(PreferencesWindow, ThePaneFollowsTheWindowInTheResponderChain) {
     EXPECT_EQ(window_->nextResponder(), controller_.get());
 }
 
+TEST_F(PreferencesWindow, WhatFollowedTheWindowFollowsThePane) {
+    open({a_, b_});
+    controller_->clearResponderChain();
+    const auto other = make<NSViewController>();
+    window_->setNextResponder(other.get());
+    controller_->patchResponderChain();
+    EXPECT_EQ(window_->nextResponder(), a_.get());
+    EXPECT_EQ(a_->nextResponder(), other.get());
+    select(b_);
+    EXPECT_EQ(b_->nextResponder(), other.get());
+    controller_->clearResponderChain();
+    EXPECT_EQ(window_->nextResponder(), other.get());
+}
+
 TEST_F(PreferencesWindow, ActionsReachThePane) {
     open({a_, b_});
     show();
@@ -622,6 +644,12 @@ TEST_F(PreferencesWindow, AViewThatTookTheKeyboardBeforeKeepsIt) {
     };
     select(b_);
     EXPECT_EQ(window_->firstResponder(), field.get());
+}
+
+TEST_F(PreferencesWindow, IsNotLoadedWhenItsControllerGoes) {
+    make<WatchedController>(&MASPreferencesWindowController::initWithViewControllers,
+                            MASPreferencesWindowController::Controllers{a_});
+    EXPECT_THAT(happenings(), IsEmpty());
 }
 
 TEST_F(PreferencesWindow, TakesAnyDelegateFromTheWindowWhenItGoes) {

@@ -6,6 +6,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 namespace zr {
 
@@ -144,9 +145,9 @@ TEST_F(TrustedPane, ShowsTheOverlayUntilTheRestoreHasEnded) {
     EXPECT_TRUE(overlayIsShown());
     EXPECT_EQ(pane_->lblLoadingTips()->stringValue(), "Recovering directory permissions, please wait....");
     EXPECT_EQ(pane_->lblLoadingPath()->stringValue(), "");
-    platform_->advance(0.29);
+    platform_->advance(0.2999);
     EXPECT_EQ(platform_->waitingForGlobalQueue(), 0u);
-    platform_->advance(0.02);
+    platform_->advance(0.0002);
     EXPECT_EQ(platform_->waitingForGlobalQueue(), 1u);
     EXPECT_TRUE(overlayIsShown());
     platform_->runGlobalQueue();
@@ -261,6 +262,20 @@ TEST_F(TrustedPane, PostsNoMoreThanOneBlockThatShowsWhereTheRestoreIs) {
     platform_->advance(0.3);
     platform_->runGlobalQueue();
     EXPECT_EQ(platform_->runMainQueue(), 2u) << "with the one that brings the result";
+}
+
+TEST_F(TrustedPane, ShowsAlsoWhatTheRestoreReachesMeanwhile) {
+    createAndShow();
+    const auto reach = [&](const char* path) {
+        std::thread([&] {
+            pane_->setLastRecoverPath(path);
+            pane_->updateRecoveringPath();
+        }).join();
+    };
+    pane_->onceShown = [&] { reach("/second"); };
+    reach("/first");
+    platform_->runUntilIdle();
+    EXPECT_EQ(pane_->lblLoadingPath()->stringValue(), "/second");
 }
 
 TEST_F(TrustedPane, RefreshesTheOverlayOnlyForAnotherState) {

@@ -184,15 +184,20 @@ TEST_F(TrustedFolders, KeepTheThreadsRunLoopAlive) {
 // Access lasts: a folder whose bookmark was resolved is followed where it moves, though it was made in a run of
 // the program that has ended.
 TEST_F(TrustedFolders, AreAccessibleUntilTheProgramEnds) {
-    make("a");
-    store({encoded({at("a"), "", ItemHandle::open(at("a"))->identity().value()})});
+    PropertyList::Array bookmarks;
+    for (const auto* name : {"a", "b"})
+        bookmarks.emplace_back(encoded({make(name), "", ItemHandle::open(at(name))->identity().value()}));
+    store(bookmarks);
     restore();
-    fs::rename(at("a"), at("moved"));
-    bool isStale = false;
-    const auto found = NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
-        *stored()[0].get<NSData>(), 1024, std::nullopt, &isStale, nullptr);
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->path(), at("moved"));
+    for (const auto& [name, entry] : {std::pair{"a", 0}, {"b", 1}}) {
+        const std::string moved = at(name + std::string(" moved"));
+        fs::rename(at(name), moved);
+        bool isStale = false;
+        const auto found = NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
+            *stored()[std::size_t(entry)].get<NSData>(), 1024, std::nullopt, &isStale, nullptr);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->path(), moved);
+    }
 }
 
 // A disk that is not the system's can be unmounted as long as nothing on it is held.
