@@ -62,11 +62,9 @@ void MASPreferencesWindowController::awakeFromNib() {
     if (!window) return;
     window->setTitle(NSBundle::mainBundle().localizedStringForKey_value_table("Preferences", "", std::nullopt));
     const auto defaults = NSUserDefaults::standardUserDefaults();
-    if (!viewControllers_.empty()) {
-        const auto identifier = defaults->stringForKey(kSelectedKey);
-        std::shared_ptr<NSObject> pane = identifier ? viewControllerForIdentifier(*identifier) : nullptr;
-        setSelectedViewController(pane ? pane : firstViewController());
-    }
+    const auto identifier = defaults->stringForKey(kSelectedKey);
+    const auto pane = identifier ? viewControllerForIdentifier(*identifier) : nullptr;
+    setSelectedViewController(pane ? pane : firstViewController());
     if (const auto topLeft = defaults->stringForKey(kTopLeftKey))
         window->setFrameTopLeftPoint(NSPointFromString(*topLeft));
     const std::weak_ptr<MASPreferencesWindowController> weak = retained(this);
@@ -84,12 +82,8 @@ void MASPreferencesWindowController::awakeFromNib() {
 }
 
 void MASPreferencesWindowController::dealloc() {
-    for (const auto& observer : observers_) NSNotificationCenter::defaultCenter().removeObserver(observer);
-    if (isWindowLoaded()) {
-        const auto window = this->window();
-        window->setDelegate(std::weak_ptr<NSWindowDelegate>());
-        if (window->toolbar()) window->toolbar()->setDelegate(std::weak_ptr<NSToolbarDelegate>());
-    }
+    observers_.clear();
+    if (isWindowLoaded()) window()->setDelegate(std::weak_ptr<NSWindowDelegate>());
     NSWindowController::dealloc();
 }
 
@@ -124,8 +118,8 @@ void MASPreferencesWindowController::setSelectedViewController(
 
     const auto view = next->view();
     const auto saved = NSUserDefaults::standardUserDefaults()->stringForKey(sizeKey(identifier));
-    const auto [minimum, first] = minimumViewRects_.try_emplace(identifier, NSStringFromRect(view->bounds()));
-    const NSRect least = first ? view->bounds() : NSRectFromString(minimum->second);
+    const auto minimum = minimumViewRects_.try_emplace(identifier, NSStringFromRect(view->bounds())).first;
+    const NSRect least = NSRectFromString(minimum->second);
     NSRect rect = saved ? NSRectFromString(*saved) : view->bounds();
     const bool widthSizable = (view->autoresizingMask() & kWidthSizable) != 0,
                heightSizable = (view->autoresizingMask() & kHeightSizable) != 0;

@@ -126,7 +126,6 @@ bool confirmsAuthorizing() {
 
 bool ZRTrustedPathViewCtl::init() {
     if (!initWithNibName_bundle("ZRTrustedPathViewCtl", retained(&KitBundle()))) return false;
-    setAryItems({});
     sharedSlot() = retained(this);
     setIsAsyncLoading(true);
     AfterDelay(kLaunchDelay, [self = retained(this)] { self->asyncLoadDefaultBookMarksWithLaunch(); });

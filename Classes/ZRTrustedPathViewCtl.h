@@ -143,7 +143,7 @@ private:
     std::weak_ptr<NSTextField> lblLoadingTips_;
     std::weak_ptr<NSTextField> lblLoadingPath_;
     Folders aryItems_;
-    std::unordered_multiset<std::string> paths_; // of aryItems_
+    std::unordered_set<std::string> paths_; // of aryItems_
     bool isAsyncLoading_ = false;
 
     std::atomic<bool> loadingCanceled_ = false;

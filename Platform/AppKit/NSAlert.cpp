@@ -217,6 +217,7 @@ void NSAlert::layOut() {
     content->escape = closing_->escape;
     const auto icon = make<AlertIcon>(NSRect{{kMargin, height - kMargin - kIconSize}, {kIconSize, kIconSize}});
     icon->style = alertStyle_;
+    icon->setIdentifier("alertIcon");
     content->addSubview(icon);
     const double left = kMargin + kIconSize + kIconGap;
     double top = height - kMargin;

@@ -24,7 +24,6 @@ namespace {
 // length in four bytes; a sum over all that in eight. Numbers begin with their lowest byte.
 constexpr std::string_view kBeginning = "ZRUIBKM\x01";
 constexpr std::size_t kLengthSize = 4, kSumSize = 8;
-constexpr std::uint32_t kLongestText = 65536;
 
 void appendNumber(std::string& bytes, std::uint64_t number, std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) bytes += static_cast<char>(number >> (8 * i) & 0xFF);
@@ -56,7 +55,7 @@ std::optional<std::string> takeText(std::string_view& bytes) {
     if (bytes.size() < kLengthSize) return std::nullopt;
     const auto length = numberAt(bytes, kLengthSize);
     bytes.remove_prefix(kLengthSize);
-    if (length > kLongestText || length > bytes.size()) return std::nullopt;
+    if (length > bytes.size()) return std::nullopt;
     std::string text(bytes.substr(0, length));
     bytes.remove_prefix(length);
     return text;

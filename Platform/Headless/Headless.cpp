@@ -744,7 +744,7 @@ std::optional<CGRect> WindowImplementation::frameInContent(std::string_view view
 
 std::vector<std::string> WindowImplementation::traits(std::string_view viewName) const {
     const View& view = named(viewName);
-    const std::array<std::pair<bool, const char*>, 8> all = {{
+    const std::array<std::pair<bool, const char*>, 9> all = {{
         {view.editable, "editable"},
         {view.selectable, "selectable"},
         {view.field && view.look.bezeled, "bezel"},
@@ -753,6 +753,7 @@ std::vector<std::string> WindowImplementation::traits(std::string_view viewName)
         {view.allSelected, "all selected"},
         {view.isDefault, "default"},
         {view.scrolls, "scrolls"},
+        {view.progress.running, "running"},
     }};
     std::vector<std::string> names;
     for (const auto& [holds, name] : all)

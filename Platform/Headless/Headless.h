@@ -60,7 +60,7 @@ public:
     virtual std::optional<CGRect> frameInContent(std::string_view viewName) const = 0;
     virtual std::string labelText(std::string_view viewName) const = 0; // or of a field or button
     // Of a field: "editable", "selectable", "bezel", "background", "ring", "all selected"; of a button
-    // "default"; of a label "scrolls".
+    // "default"; of a label "scrolls"; of a progress indicator "running".
     virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
     virtual double shownProgress(std::string_view viewName) const = 0; // 0 to 1; -1 while it is not known
     // Of a table: the texts of the rows that are seen, in part too; which rows are marked.

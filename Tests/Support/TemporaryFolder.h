@@ -13,8 +13,8 @@ namespace zr::test {
 // An empty folder that goes, with all that is in it, at the end.
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zruikit-XXXXXX").string();
+    explicit TemporaryFolder(const std::filesystem::path& place = std::filesystem::temp_directory_path()) {
+        std::string pattern = (place / "zruikit-XXXXXX").string();
         if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
         path_ = pattern;
     }

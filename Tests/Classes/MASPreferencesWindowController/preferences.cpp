@@ -1,3 +1,5 @@
+#include "Support/TemporaryFolder.h"
+
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSImage.h>
 #include <AppKit/NSTextField.h>
@@ -68,6 +70,23 @@ private:
 };
 
 ZR_CLASS_TABLE(PreferencesPane, .actions = {actionNamed<&PreferencesPane::doIt>("doIt:")})
+
+// Shows another part of itself than the one at its origin.
+class MovedView : public NSView {
+public:
+    ZR_CLASS(MovedView, NSView)
+    using NSView::setBoundsOrigin;
+};
+
+ZR_CLASS_TABLE(MovedView)
+
+class WatchedController : public MASPreferencesWindowController {
+public:
+    ZR_CLASS(WatchedController, MASPreferencesWindowController)
+    void windowWillLoad() override { happenings().emplace_back("window will load"); }
+};
+
+ZR_CLASS_TABLE(WatchedController)
 
 std::shared_ptr<PreferencesPane> pane(const std::string& name, NSSize size = {400, 300},
                                       unsigned mask = kWidthSizable | kHeightSizable) {
@@ -164,6 +183,19 @@ TEST_F(PreferencesWindow, WithoutPanesItIsEmptyAndStillPutBack) {
     EXPECT_EQ(controller_->windowShouldClose(*window_), true);
 }
 
+TEST(PreferencesInAnyLanguage, AreCalledAsTheApplicationCallsThem) {
+    const test::TemporaryFolder folder;
+    folder.write("de.lproj/Localizable.strings", R"("Preferences" = "Einstellungen";)");
+    headless::Options options;
+    options.preferredLanguages = {"de"};
+    options.mainBundle = folder.path();
+    const headless::Platform platform(options);
+    const auto controller =
+        make<MASPreferencesWindowController>(&MASPreferencesWindowController::initWithViewControllers,
+                                             MASPreferencesWindowController::Controllers{});
+    EXPECT_EQ(controller->window()->title(), "Einstellungen");
+}
+
 TEST_F(PreferencesWindow, ItsPlaceComesBackAfterTheFirstPaneHasSizedIt) {
     store("MASPreferences Frame Top Left", "{300, 700}");
     open({b_});
@@ -193,6 +225,47 @@ TEST_F(PreferencesWindow, RemembersTheSizeOfThePaneThatIsShown) {
     EXPECT_EQ(stored("MASPreferences A Frame"), "{{0, 0}, {450, 320}}") << "with no pane nothing is written";
     select(a_);
     EXPECT_EQ(window_->contentSize(), NSMakeSize(450, 320));
+}
+
+TEST_F(PreferencesWindow, RemembersPlaceAndSizeAlsoForAnotherDelegate) {
+    open({a_});
+    show();
+    window_->setDelegate(std::weak_ptr<NSWindowDelegate>());
+    user_->moveByUser({150, 250});
+    EXPECT_EQ(stored("MASPreferences Frame Top Left"), "{150, 628}");
+    user_->resizeByUser({450, 320});
+    EXPECT_EQ(stored("MASPreferences A Frame"), "{{0, 0}, {450, 320}}");
+}
+
+TEST_F(PreferencesWindow, AnotherWindowsPlaceIsNotItsOwn) {
+    open({a_});
+    show();
+    const auto other =
+        make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSMakeRect(0, 0, 100, 100),
+                       NSWindowStyleMaskTitled, NSBackingStoreBuffered, false);
+    other->makeKeyAndOrderFront(nullptr);
+    user_->moveByUser({150, 250});
+    platform_.windows().back()->moveByUser({1, 2});
+    EXPECT_EQ(stored("MASPreferences Frame Top Left"), "{150, 628}");
+}
+
+TEST_F(PreferencesWindow, RemembersThePartThatThePanesViewShows) {
+    const auto view = make<MovedView>(NSMakeRect(0, 0, 400, 300));
+    view->setAutoresizingMask(kWidthSizable | kHeightSizable);
+    view->setBoundsOrigin({5, 6});
+    a_->setView(view);
+    open({a_});
+    show();
+    user_->resizeByUser({450, 320});
+    EXPECT_EQ(stored("MASPreferences A Frame"), "{{5, 6}, {450, 320}}");
+}
+
+TEST_F(PreferencesWindow, RemembersNoSizeThatIsNotTheUsers) {
+    open({a_, b_});
+    show();
+    select(b_);
+    EXPECT_EQ(stored("MASPreferences A Frame"), std::nullopt);
+    EXPECT_EQ(stored("MASPreferences B Frame"), std::nullopt);
 }
 
 TEST_F(PreferencesWindow, ATitleStaysOffTheWindow) {
@@ -243,7 +316,19 @@ TEST_F(PreferencesWindow, ShowingTakesItsStepsInOrder) {
         EXPECT_FALSE(window_->showsResizeIndicator());
         EXPECT_NE(window_->nextResponder(), b_.get());
     };
+    const auto posts = NSNotificationCenter::defaultCenter().addObserverForName_object_usingBlock(
+        MASPreferencesWindowControllerDidChangeViewNotification, nullptr, [&](const NSNotification&) {
+            EXPECT_EQ(window_->contentView(), b_->view().get());
+            EXPECT_EQ(window_->nextResponder(), b_.get());
+        });
+    bool wasResized = false;
+    const auto sizes = NSNotificationCenter::defaultCenter().addObserverForName_object_usingBlock(
+        NSWindowDidResizeNotification, window_.get(), [&](const NSNotification&) {
+            EXPECT_EQ(window_->contentMaxSize(), NSMakeSize(250, 500)) << "which the window has to allow";
+            wasResized = true;
+        });
     select(b_);
+    EXPECT_TRUE(wasResized);
     EXPECT_THAT(taken(), ElementsAre("A commits", "A disappeared", "B will appear", "posted 1"));
     EXPECT_EQ(window_->contentView(), b_->view().get());
     EXPECT_EQ(top(), before);
@@ -280,6 +365,28 @@ TEST_F(PreferencesWindow, NothingEmptiesTheWindowAndPostsNothing) {
     EXPECT_EQ(window_->frame(), frame);
     EXPECT_EQ(controller_->windowShouldClose(*window_), true);
     EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(PreferencesWindow, WhatIsNoPaneEmptiesTheWindow) {
+    open({a_, NSNull::null()});
+    controller_->selectControllerAtIndex(1);
+    EXPECT_EQ(controller_->selectedViewController(), nullptr);
+    select(a_);
+    select(make<NSViewController>());
+    EXPECT_EQ(controller_->selectedViewController(), nullptr);
+}
+
+TEST_F(PreferencesWindow, LivesUntilItHasShownThePane) {
+    open({a_, b_});
+    posts_.reset();
+    const std::weak_ptr<MASPreferencesWindowController> weak = controller_;
+    b_->onAppear = [&] {
+        controller_.reset();
+        EXPECT_FALSE(weak.expired());
+    };
+    auto* const controller = controller_.get();
+    controller->setSelectedViewController(b_);
+    EXPECT_TRUE(weak.expired());
 }
 
 TEST_F(PreferencesWindow, AnItemThatMatchesNoPaneEmptiesTheWindow) {
@@ -333,6 +440,23 @@ TEST_F(PreferencesWindow, ASavedSizeThatIsNoneIsTheLeast) {
     store("MASPreferences A Frame", "nonsense");
     open({a_});
     EXPECT_EQ(window_->contentSize(), NSMakeSize(400, 300));
+}
+
+TEST_F(PreferencesWindow, WhereAPanesViewStoodBeforeDoesNotCount) {
+    a_->view()->setFrameOrigin({30, 40});
+    a_->onAppear = [&] { EXPECT_EQ(a_->view()->frame(), NSMakeRect(0, 0, 400, 300)); };
+    open({b_, a_});
+    const double left = window_->frame().origin.x;
+    select(a_);
+    EXPECT_EQ(window_->frame().origin.x, left);
+    EXPECT_EQ(controller_->minimumViewRects().at("A"), "{{0, 0}, {400, 300}}");
+}
+
+TEST_F(PreferencesWindow, APaneHasItsSizeBeforeItAppears) {
+    store("MASPreferences A Frame", "{{7, 9}, {420, 310}}");
+    a_->onAppear = [&] { EXPECT_EQ(a_->view()->frame(), NSMakeRect(7, 9, 420, 310)); };
+    open({a_});
+    EXPECT_THAT(taken(), testing::Contains("A will appear"));
 }
 
 TEST_F(PreferencesWindow, ASavedOriginMovesTheWindowSideways) {
@@ -430,6 +554,11 @@ TEST_F(PreferencesWindow, FindsPanesByIdentifier) {
     EXPECT_EQ(controller_->firstViewController(), b_);
     EXPECT_EQ(controller_->viewControllerForIdentifier("A"), a_);
     EXPECT_EQ(controller_->viewControllerForIdentifier("a"), nullptr);
+    select(pane("C"));
+    EXPECT_EQ(controller_->indexOfSelectedController(), 9223372036854775807u) << "it is not listed";
+    select(nullptr);
+    open({b_, a_, pane("A")});
+    EXPECT_EQ(controller_->viewControllerForIdentifier("A"), a_) << "the first of them";
     select(nullptr);
     open({NSNull::null()});
     EXPECT_EQ(controller_->firstViewController(), nullptr);
@@ -451,6 +580,25 @@ TEST_F(PreferencesWindow, ThePaneFollowsTheWindowInTheResponderChain) {
     EXPECT_EQ(b_->nextResponder(), nullptr);
     controller_->clearResponderChain();
     EXPECT_EQ(window_->nextResponder(), controller_.get()) << "what is no pane stays";
+    controller_->patchResponderChain();
+    select(nullptr);
+    EXPECT_EQ(window_->nextResponder(), b_.get()) << "until the chain is mended";
+    controller_->patchResponderChain();
+    EXPECT_EQ(window_->nextResponder(), controller_.get());
+}
+
+TEST_F(PreferencesWindow, WhatFollowedTheWindowFollowsThePane) {
+    open({a_, b_});
+    controller_->clearResponderChain();
+    const auto other = make<NSViewController>();
+    window_->setNextResponder(other.get());
+    controller_->patchResponderChain();
+    EXPECT_EQ(window_->nextResponder(), a_.get());
+    EXPECT_EQ(a_->nextResponder(), other.get());
+    select(b_);
+    EXPECT_EQ(b_->nextResponder(), other.get());
+    controller_->clearResponderChain();
+    EXPECT_EQ(window_->nextResponder(), other.get());
 }
 
 TEST_F(PreferencesWindow, ActionsReachThePane) {
@@ -509,6 +657,21 @@ TEST_F(PreferencesWindow, AViewThatTookTheKeyboardBeforeKeepsIt) {
     };
     select(b_);
     EXPECT_EQ(window_->firstResponder(), field.get());
+}
+
+TEST_F(PreferencesWindow, IsNotLoadedWhenItsControllerGoes) {
+    make<WatchedController>(&MASPreferencesWindowController::initWithViewControllers,
+                            MASPreferencesWindowController::Controllers{a_});
+    EXPECT_THAT(happenings(), IsEmpty());
+}
+
+TEST_F(PreferencesWindow, TakesAnyDelegateFromTheWindowWhenItGoes) {
+    open({a_});
+    const auto delegate = std::make_shared<NSWindowDelegate>();
+    window_->setDelegate(delegate);
+    posts_.reset();
+    controller_.reset();
+    EXPECT_EQ(window_->delegate(), nullptr);
 }
 
 TEST_F(PreferencesWindow, LeavesTheWindowInPeaceWhenItGoes) {

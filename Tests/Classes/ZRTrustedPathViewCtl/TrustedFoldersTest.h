@@ -18,6 +18,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <stdlib.h>
@@ -53,6 +54,8 @@ public:
             if (atEntry) atEntry(lastRecoverIndex());
         }
         ZRTrustedPathViewCtl::updateRecoveringPath();
+        if (NSThread::isMainThread())
+            if (const auto next = std::exchange(onceShown, nullptr)) next();
     }
     void refreshLoadingUI() override {
         ++refreshes;
@@ -61,6 +64,7 @@ public:
 
     std::vector<std::string> reached;
     std::function<void(int)> atEntry;
+    std::function<void()> onceShown;
     int refreshes = 0;
 };
 

@@ -55,6 +55,8 @@ protected:
             auto* const window = platform_->windows().back();
             message_ = window->labelText("alertMessage");
             information_ = window->labelText("alertInformation");
+            platform_->display();
+            icon_ = window->drawing("alertIcon");
             std::ranges::replace(information_, '\n', ' '); // as it is broken into lines
             for (const auto& view : NSApplication::sharedApplication().keyWindow()->contentView()->subviews())
                 if (auto* const button = dynamic_cast<NSButton*>(view.get()))
@@ -94,6 +96,7 @@ protected:
 
     std::vector<std::string> closed_, happened_;
     std::string message_, information_;
+    std::vector<std::string> icon_;
     std::map<long, std::string> titles_;
     std::shared_ptr<ZRTrustedPathViewCtl> pane_;
 };
@@ -111,7 +114,13 @@ TEST_F(Authorizing, AsksInItsOwnWords) {
     EXPECT_EQ(information_,
               "The origin folder of output file is not accessable by the app,Please authorize it");
     EXPECT_THAT(titles_, ElementsAre(std::pair(1000L, "Authorize"), std::pair(1001L, "Cancel")));
+    EXPECT_THAT(icon_, testing::Contains(testing::HasSubstr("0.93, 0.62, 0.09"))) << "a warning's";
     EXPECT_THAT(happened_, ElementsAre("alert"));
+}
+
+TEST_F(Authorizing, IsRefusedWhenTheAlertIsAborted) {
+    platform_->script([] { NSApplication::sharedApplication().abortModal(); });
+    EXPECT_FALSE(authorize({close("a")}));
 }
 
 // Neither is the words nor the key for "Cancel" the application's.

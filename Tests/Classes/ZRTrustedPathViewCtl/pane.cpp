@@ -6,6 +6,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 namespace zr {
 
@@ -62,6 +63,7 @@ protected:
         create();
         pane_->view();
         pane_->tableView()->setIdentifier("folders");
+        pane_->loadingIndicator()->setIdentifier("spinner");
         show();
     }
     void letRestoreEnd() {
@@ -143,9 +145,9 @@ TEST_F(TrustedPane, ShowsTheOverlayUntilTheRestoreHasEnded) {
     EXPECT_TRUE(overlayIsShown());
     EXPECT_EQ(pane_->lblLoadingTips()->stringValue(), "Recovering directory permissions, please wait....");
     EXPECT_EQ(pane_->lblLoadingPath()->stringValue(), "");
-    platform_->advance(0.29);
+    platform_->advance(0.2999);
     EXPECT_EQ(platform_->waitingForGlobalQueue(), 0u);
-    platform_->advance(0.02);
+    platform_->advance(0.0002);
     EXPECT_EQ(platform_->waitingForGlobalQueue(), 1u);
     EXPECT_TRUE(overlayIsShown());
     platform_->runGlobalQueue();
@@ -179,6 +181,54 @@ TEST_F(TrustedPane, RestoresThoughItIsNeverShown) {
     EXPECT_EQ(pane_->tableView()->numberOfRows(), 1);
 }
 
+TEST_F(TrustedPane, DoesWithoutItsView) {
+    storeFolders({"a"});
+    create();
+    pane_->awakeFromNib();
+    pane_->removeFolderDown(nullptr);
+    EXPECT_THAT(storedNames(), ElementsAre("a"));
+    EXPECT_FALSE(pane_->isViewLoaded());
+}
+
+TEST_F(TrustedPane, SpinsWhileItRestores) {
+    createAndShow();
+    EXPECT_THAT(user_->traits("spinner"), ElementsAre("running"));
+    letRestoreEnd();
+    EXPECT_THAT(user_->traits("spinner"), IsEmpty());
+}
+
+TEST_F(TrustedPane, ShowsTheOverlayAgainForAnotherRestore) {
+    createAndShow();
+    letRestoreEnd();
+    storeFolders({"a"});
+    pane_->asyncLoadDefaultBookMarksWithLaunch();
+    EXPECT_TRUE(overlayIsShown());
+    EXPECT_TRUE(pane_->commitEditing());
+    EXPECT_THAT(storedNames(), ElementsAre("a")) << "not before it has ended";
+    platform_->runUntilIdle();
+    EXPECT_FALSE(overlayIsShown());
+    EXPECT_THAT(rows(), ElementsAre("a"));
+}
+
+// A pane that nobody else holds, since another has become the shared one.
+TEST_F(TrustedPane, LivesUntilItsRestoreHasEnded) {
+    storeFolders({"a"});
+    create();
+    std::weak_ptr<test::WatchedPane> before = pane_;
+    create();
+    EXPECT_FALSE(before.expired()) << "its launch is still to come";
+    letRestoreEnd();
+    EXPECT_TRUE(before.expired());
+
+    before = pane_;
+    std::vector<std::string> got;
+    pane_->asyncLoadDefaultsBookmarks([&](const auto& restored) { got = names(restored); });
+    create();
+    platform_->runUntilIdle();
+    EXPECT_THAT(got, ElementsAre("a"));
+    EXPECT_TRUE(before.expired());
+}
+
 TEST_F(TrustedPane, SpeaksTheUsersLanguage) {
     headless::Options options;
     options.preferredLanguages = {"de"};
@@ -204,6 +254,28 @@ TEST_F(TrustedPane, FollowsTheRestoreFolderByFolder) {
     platform_->runUntilIdle();
     EXPECT_THAT(shown, ElementsAre("", "b", "c")) << "what was posted shows where the restore is by then";
     EXPECT_EQ(nameOf(pane_->lblLoadingPath()->stringValue()), "c");
+}
+
+TEST_F(TrustedPane, PostsNoMoreThanOneBlockThatShowsWhereTheRestoreIs) {
+    storeFolders({"a", "b", "c"});
+    createAndShow();
+    platform_->advance(0.3);
+    platform_->runGlobalQueue();
+    EXPECT_EQ(platform_->runMainQueue(), 2u) << "with the one that brings the result";
+}
+
+TEST_F(TrustedPane, ShowsAlsoWhatTheRestoreReachesMeanwhile) {
+    createAndShow();
+    const auto reach = [&](const char* path) {
+        std::thread([&] {
+            pane_->setLastRecoverPath(path);
+            pane_->updateRecoveringPath();
+        }).join();
+    };
+    pane_->onceShown = [&] { reach("/second"); };
+    reach("/first");
+    platform_->runUntilIdle();
+    EXPECT_EQ(pane_->lblLoadingPath()->stringValue(), "/second");
 }
 
 TEST_F(TrustedPane, RefreshesTheOverlayOnlyForAnotherState) {
@@ -414,6 +486,16 @@ TEST_F(TrustedPane, AddsWhatIsChosenInAPanelOverItsWindow) {
     EXPECT_THAT(rows(), ElementsAre("b", "c", "a"));
 }
 
+TEST_F(TrustedPane, ShowsWhatTheHostAddsOnceTheMainQueueRuns) {
+    createAndShow();
+    letRestoreEnd();
+    make("a");
+    pane_->addToBookmarkWithURL(url("a"));
+    EXPECT_THAT(rows(), IsEmpty());
+    platform_->runMainQueue();
+    EXPECT_THAT(rows(), ElementsAre("a"));
+}
+
 TEST_F(TrustedPane, AddsNothingWhenThePanelIsCancelled) {
     createAndShow();
     letRestoreEnd();
@@ -491,6 +573,42 @@ TEST_F(TrustedPane, RemovesARowThatTheStoreDoesNotHaveFromTheListAlone) {
     pane_->removeFolderDown(nullptr);
     EXPECT_THAT(names(pane_->aryItems()), ElementsAre("a"));
     EXPECT_THAT(storedNames(), ElementsAre("a"));
+}
+
+TEST_F(TrustedPane, RemovesNoRowThatItsListHasNoMore) {
+    createAndShow();
+    letRestoreEnd();
+    pane_->setAryItems({url("a"), url("b")});
+    pane_->tableView()->reloadData();
+    pane_->tableView()->selectAll(nullptr);
+    pane_->setAryItems({url("c")});
+    pane_->removeFolderDown(nullptr);
+    EXPECT_THAT(pane_->aryItems(), IsEmpty());
+}
+
+TEST_F(TrustedPane, LeavesItToTheDefaultsWhenARemovalReachesTheDisk) {
+    headless::Options options;
+    options.userDefaults = at("app.plist");
+    launch(options);
+    storeFolders({"a", "b"});
+    createAndShow();
+    letRestoreEnd();
+    const auto onDisk = [&] {
+        return zr::make<NSUserDefaults>(&NSUserDefaults::initWithFile, fs::path(at("app.plist")))
+            ->arrayForKey("BookmarksKey")
+            ->size();
+    };
+    ASSERT_EQ(onDisk(), 2u);
+    EXPECT_TRUE(user_->clickRow("folders", 1));
+    pane_->removeFolderDown(nullptr);
+    EXPECT_EQ(stored().size(), 1u);
+    EXPECT_EQ(onDisk(), 2u);
+    pane_->setLastRecoverIndex(0);
+    pane_->loadingCancelClick(nullptr);
+    EXPECT_THAT(stored(), IsEmpty());
+    EXPECT_EQ(onDisk(), 2u);
+    platform_->runUntilIdle();
+    EXPECT_EQ(onDisk(), 0u);
 }
 
 // The stored entry of that row may be another folder's, until the next commit.

@@ -1,5 +1,6 @@
 #include "TrustedFoldersTest.h"
 
+#include <Foundation/Bookmark.h>
 #include <Foundation/NSRunLoop.h>
 
 #include <thread>
@@ -183,14 +184,30 @@ TEST_F(TrustedFolders, KeepTheThreadsRunLoopAlive) {
 // Access lasts: a folder whose bookmark was resolved is followed where it moves, though it was made in a run of
 // the program that has ended.
 TEST_F(TrustedFolders, AreAccessibleUntilTheProgramEnds) {
-    storeFolders({"a"});
+    PropertyList::Array bookmarks;
+    for (const auto* name : {"a", "b"})
+        bookmarks.emplace_back(encoded({make(name), "", ItemHandle::open(at(name))->identity().value()}));
+    store(bookmarks);
     restore();
-    fs::rename(at("a"), at("moved"));
-    bool isStale = false;
-    const auto found = NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
-        *stored()[0].get<NSData>(), 1024, std::nullopt, &isStale, nullptr);
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->path(), at("moved"));
+    for (const auto& [name, entry] : {std::pair{"a", 0}, {"b", 1}}) {
+        const std::string moved = at(name + std::string(" moved"));
+        fs::rename(at(name), moved);
+        bool isStale = false;
+        const auto found = NSURL::URLByResolvingBookmarkData_options_relativeToURL_bookmarkDataIsStale_error(
+            *stored()[std::size_t(entry)].get<NSData>(), 1024, std::nullopt, &isStale, nullptr);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->path(), moved);
+    }
+}
+
+// A disk that is not the system's can be unmounted as long as nothing on it is held.
+TEST_F(TrustedFolders, AreNotHeldByTheirList) {
+    storeFolders({"a"});
+    const auto restored = restore();
+    ASSERT_EQ(restored.size(), 1u);
+    EXPECT_FALSE(restored[0].startAccessingSecurityScopedResource());
+    ASSERT_EQ(pane_->loadingItems().size(), 1u);
+    EXPECT_FALSE(pane_->loadingItems()[0].startAccessingSecurityScopedResource());
 }
 
 // Adding
@@ -228,6 +245,20 @@ TEST_F(TrustedFolders, AreNotAddedWhereThereIsNothing) {
     pane_->setAryItems({});
     pane_->addToBookmarkWithURL(url("nothing"));
     EXPECT_THAT(pane_->aryItems(), IsEmpty());
+}
+
+TEST_F(TrustedFolders, AreAddedAsTheyAreGiven) {
+    const NSURL given = url("a"); // not known to be a folder's
+    make("a");
+    pane_->addToBookmarkWithURL(given);
+    EXPECT_THAT(pane_->aryItems(), ElementsAre(given));
+}
+
+TEST_F(TrustedFolders, ThatHaveGoneAreNotToldToBeThereAlready) {
+    pane_->setAryItems({url("gone")});
+    testing::internal::CaptureStderr();
+    pane_->addToBookmarkWithURL(url("gone"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(TrustedFolders, AreAddedOnce) {

@@ -1,3 +1,4 @@
+#include "Support/RootsPowers.h"
 #include "Support/TemporaryFolder.h"
 
 #include <Foundation/Bookmark.h>
@@ -8,14 +9,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <stdlib.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace zr {
 
@@ -56,9 +61,29 @@ protected:
         if (!data) throw std::runtime_error("no bookmark of " + path);
         return *data;
     }
+    // As an earlier run of the program made it: nothing is held.
+    static NSData earlierBookmark(const std::string& path) {
+        return encoded({path, "", ItemHandle::open(path)->identity().value()});
+    }
 
     const test::TemporaryFolder folder;
 };
+
+// That this program has open.
+std::vector<int> descriptorsOf(const std::string& path) {
+    std::vector<int> found;
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (fs::read_symlink(entry, gone) == path) found.push_back(std::stoi(entry.path().filename()));
+    }
+    return found;
+}
+
+bool haveOneDisk(const fs::path& a, const fs::path& b) {
+    struct stat one {
+    }, other{};
+    return stat(a.c_str(), &one) == 0 && stat(b.c_str(), &other) == 0 && one.st_dev == other.st_dev;
+}
 
 TEST_F(Bookmarks, LeadBackToAFolder) {
     const std::string path = make("a folder/日本 ü");
@@ -102,6 +127,22 @@ TEST_F(Bookmarks, AreNotMadeOfWhatIsNotThere) {
     fs::create_symlink("nowhere", folder.path() / "link");
     EXPECT_EQ(NSURL::fileURLWithPath(at("link")).bookmarkData(&error), std::nullopt);
     EXPECT_EQ(NSURL::fileURLWithPath(std::string("/\0", 2)).bookmarkData(&error), std::nullopt);
+    const std::string file = folder.write("file", "text");
+    EXPECT_EQ(NSURL::fileURLWithPath(file + "/inside").bookmarkData(&error), std::nullopt);
+    EXPECT_EQ(error->code, NSFileReadNoSuchFileError);
+}
+
+TEST_F(Bookmarks, AreNotMadeOfWhatTheUserMayNotSee) {
+    make("closed/folder");
+    fs::permissions(at("closed"), fs::perms::none);
+    std::optional<NSError> error;
+    std::thread([&] {
+        test::giveUpRootsPowers();
+        EXPECT_EQ(NSURL::fileURLWithPath(at("closed/folder")).bookmarkData(&error), std::nullopt);
+    }).join();
+    fs::permissions(at("closed"), fs::perms::owner_all);
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code, NSFileReadNoPermissionError);
 }
 
 // Neither handles nor times of birth.
@@ -216,6 +257,34 @@ TEST_F(Bookmarks, FailWhenTheyAreTooShortOrTooLong) {
     EXPECT_EQ(resolve(data).code(), NSFileReadCorruptFileError);
 }
 
+NSData bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
+
+// With the sum over it.
+NSData summed(std::string bytes) {
+    std::uint64_t sum = 0xCBF29CE484222325;
+    for (const char byte : bytes) sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
+    for (int i = 0; i < 8; ++i) bytes += static_cast<char>(sum >> (8 * i) & 0xFF);
+    return bytesOf(bytes);
+}
+
+// What was stored by earlier versions has to be read by all later ones.
+TEST_F(Bookmarks, AreLaidOutAsTheyEverWere) {
+    const std::string bytes("ZRUIBKM\1\2\0\0\0/a\1\0\0\0b\1\0\0\0c\x7D\x32\xBA\x77\xF2\x9D\x89\x8F", 32);
+    EXPECT_EQ(encoded({"/a", "b", "c"}), bytesOf(bytes));
+    EXPECT_EQ(decoded(bytesOf(bytes)), (Bookmark{"/a", "b", "c"}));
+}
+
+TEST_F(Bookmarks, FailWhenTheyAreLaidOutOtherwise) {
+    const std::string beginning = "ZRUIBKM\1", path("\2\0\0\0/a", 6), none(4, '\0'), number("\1\0\0\0", 4);
+    EXPECT_EQ(decoded(summed(beginning + path + none + none)), (Bookmark{"/a", "", ""}));
+    EXPECT_EQ(decoded(summed("ZRUIBKM\2" + path + none + none)), std::nullopt);
+    for (const auto& rest : {std::string(), std::string(3, '\0'), number, path, path + none, path + none + "\1",
+                             path + none + number, path + none + "\xFF\xFF\xFF\xFF", path + none + none + "x",
+                             std::string("\x7F\0\0\0/a", 6) + none + none})
+        EXPECT_EQ(decoded(summed(beginning + rest)), std::nullopt) << testing::PrintToString(rest);
+    EXPECT_EQ(decoded(encoded({std::string("/a\0b", 4), "", "x"})), std::nullopt);
+}
+
 // Made by somebody who knows how.
 TEST_F(Bookmarks, FailWhenADocumentLeadsOutOfItsFolder) {
     make("doc/a1b2");
@@ -246,9 +315,71 @@ TEST_F(Bookmarks, GiveScopeOnlyWhereItIsAskedFor) {
     EXPECT_EQ(*resolve(data).url, NSURL::fileURLWithPath(at("folder")));
 }
 
+TEST_F(Bookmarks, OfAnEarlierRunAreFollowedOnceAccessHasStarted) {
+    const auto data = earlierBookmark(make("folder"));
+    const auto url = resolve(data).url;
+    fs::rename(at("folder"), at("moved"));
+    EXPECT_EQ(resolve(data).path(), "none");
+    EXPECT_TRUE(url->startAccessingSecurityScopedResource());
+    EXPECT_EQ(resolve(data).path(), at("moved"));
+}
+
+TEST_F(Bookmarks, HoldAnItemWhateverBecomesOfItsName) {
+    const auto item = ItemHandle::open(make("folder"));
+    EXPECT_TRUE(item->isFolder());
+    EXPECT_EQ(item->path(), at("folder"));
+    fs::rename(at("folder"), at("moved"));
+    EXPECT_EQ(item->path(), at("moved"));
+    fs::remove(at("moved"));
+    EXPECT_EQ(item->path(), std::nullopt);
+    EXPECT_FALSE(ItemHandle::open(folder.write("file", "text"))->isFolder());
+    EXPECT_EQ(ItemHandle::open(at("nothing")), nullptr);
+}
+
 std::size_t openFiles() {
     const fs::directory_iterator all("/proc/self/fd");
     return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+}
+
+TEST_F(Bookmarks, HoldNothingForTheProgramsThatThisOneStarts) {
+    bookmark(make("folder"));
+    const auto held = descriptorsOf(at("folder"));
+    ASSERT_EQ(held.size(), 1u);
+    EXPECT_EQ(fcntl(held[0], F_GETFD), FD_CLOEXEC);
+}
+
+// In memory, and of its own.
+class AnotherDisk : public Bookmarks {
+protected:
+    void SetUp() override {
+        if (haveOneDisk(disk.path(), "/") || haveOneDisk(disk.path(), folder.path()))
+            GTEST_SKIP() << "/dev/shm is no file system of its own";
+        if (!ItemHandle::open(disk.path())->identity())
+            GTEST_SKIP() << "the file system at /dev/shm has no identities";
+    }
+    const test::TemporaryFolder disk{"/dev/shm"};
+};
+
+TEST_F(AnotherDisk, MayBeUnmounted) {
+    const auto data = bookmark(disk.path());
+    EXPECT_THAT(descriptorsOf(disk.path()), testing::IsEmpty());
+    EXPECT_TRUE(resolve(data).url->startAccessingSecurityScopedResource());
+    EXPECT_THAT(descriptorsOf(disk.path()), testing::IsEmpty());
+}
+
+// In a process of its own, in which nobody has asked before which disks those are.
+TEST_F(AnotherDisk, StaysWhereTheUsersHomeIsOnIt) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            setenv("HOME", disk.path().c_str(), 1);
+            bookmark(disk.path());
+            const auto held = descriptorsOf(disk.path());
+            fs::remove_all(disk.path());
+            fs::remove_all(folder.path());
+            std::exit(held.size() == 1 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Bookmarks, HoldNotMoreThanAQuarterOfTheFilesThatMayBeOpen) {
@@ -260,6 +391,9 @@ TEST_F(Bookmarks, HoldNotMoreThanAQuarterOfTheFilesThatMayBeOpen) {
     std::vector<NSData> all;
     for (std::size_t i = 0; i < most + 50; ++i) all.push_back(bookmark(make(std::to_string(i))));
     EXPECT_LE(openFiles(), before + most);
+    bookmark(at(std::to_string(most + 49))); // which is held already: nothing makes room for it
+    fs::rename(at("50"), at("oldest"));
+    EXPECT_EQ(resolve(all[50]).path(), at("oldest"));
     fs::rename(at(std::to_string(most + 49)), at("last"));
     EXPECT_EQ(resolve(all.back()).path(), at("last"));
     fs::rename(at("0"), at("first")); // whose handle has gone
@@ -296,6 +430,8 @@ TEST_F(Documents, AreKnownByTheirId) {
     EXPECT_EQ(found.path(), path);
     EXPECT_FALSE(found.isStale);
     EXPECT_TRUE(found.url->startAccessingSecurityScopedResource());
+    found = {};
+    EXPECT_THAT(descriptorsOf(path), testing::IsEmpty()) << "the portal knows where it is";
 
     // The portal makes its folder anew at every start: nothing about it is the same but the ids.
     fs::remove_all(at("doc"));

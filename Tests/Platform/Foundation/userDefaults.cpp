@@ -184,8 +184,8 @@ TEST_F(DefaultsInMemory, NumbersAndTextAreReadAsWholeNumbers) {
 }
 
 TEST_F(DefaultsInMemory, NumbersAndTextAreReadAsTruth) {
-    const std::vector<PropertyList> truths = {true, 1,      -1,     0.5, "YES", "yes",     "Y",
-                                              "y",  "true", "True", "t", "1",   "9 lives", "7"};
+    const std::vector<PropertyList> truths = {true, 1,   -1,        0.5, "YES", "yes", "Y", "y", "true", "True",
+                                              "t",  "1", "9 lives", "7", "2",   "3",   "4", "5", "6",    "8"};
     const std::vector<PropertyList> lies = {false,
                                             0,
                                             0.0,
@@ -489,12 +489,52 @@ TEST_F(DefaultsOnDisk, WhatCouldNotBeWrittenIsTriedAgain) {
     fs::remove(file.parent_path());
     EXPECT_EQ(platform.waitingForGlobalQueue(), 0u);
     platform.advance(1);
+    EXPECT_EQ(platform.waitingForGlobalQueue(), 1u);
     platform.runGlobalQueue();
     EXPECT_EQ(stored().size(), 2u);
     EXPECT_EQ(platform.waitingForGlobalQueue(), 0u);
 }
 
+TEST_F(DefaultsOnDisk, EachTroubleIsToldOnce) {
+    const auto defaults = open();
+    for (int time = 0; time < 2; ++time) {
+        folder.write("config", "not a folder");
+        const auto log = logOf([&] {
+            defaults->setObject_forKey(time, "k");
+            EXPECT_FALSE(defaults->synchronize());
+            EXPECT_FALSE(defaults->synchronize());
+        });
+        EXPECT_EQ(std::ranges::count(log, '\n'), 1) << log;
+        fs::remove(file.parent_path());
+        EXPECT_TRUE(defaults->synchronize());
+        fs::remove_all(file.parent_path());
+    }
+}
+
+TEST_F(DefaultsOnDisk, ADamagedFileThatCannotBeSetAsideIsToldOf) {
+    folder.write("config/app.plist", "somebody else's");
+    fs::create_directories(file.string() + ".lock"); // which is no file to lock
+    const auto log = logOf([&] { open(); });
+    EXPECT_THAT(log, HasSubstr("The user defaults in " + file.string() + " are not stored: "));
+    EXPECT_THAT(log, HasSubstr(" They are not used either: "));
+    EXPECT_EQ(bytesAt(file), "somebody else's");
+}
+
 // What must not be lost
+
+TEST_F(DefaultsOnDisk, WhatCouldNotBeWrittenIsNotLostToAnotherProcess) {
+    const auto defaults = open();
+    logOf([&] {
+        defaults->setObject_forKey(1, "own");
+        defaults->setObject_forKey(NSData(kLargestPropertyList), "large");
+        EXPECT_FALSE(defaults->synchronize());
+    });
+    open()->setObject_forKey(2, "other's");
+    defaults->removeObjectForKey("large");
+    EXPECT_TRUE(defaults->synchronize());
+    EXPECT_EQ(stored().size(), 2u);
+    EXPECT_EQ(defaults->integerForKey("own"), 1);
+}
 
 TEST_F(DefaultsOnDisk, ADamagedFileIsSetAside) {
     open()->setObject_forKey(1, "before");
