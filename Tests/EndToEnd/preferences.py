@@ -140,10 +140,11 @@ class OnX11(PreferencesTest):
         store(self.desktop, {"MASPreferences Selected Identifier View": PANE, "MASPreferences Frame Top Left": "{3000, -500}"})
         studio = self.open()
         x, y, width, height = self.open_by_key(studio)["rect"]
+        border = 2
         self.assertGreaterEqual(x, 0)
-        self.assertLessEqual(x + width, 1280)
+        self.assertLessEqual(x + width, 1280 + border)
         self.assertGreaterEqual(y, 0)
-        self.assertLessEqual(y + height, 800)
+        self.assertLessEqual(y + height, 800 + border)
         self.desktop.pointer("key", "ctrl+q")
         self.assertEqual(studio.ended(), 0)
 
