@@ -48,7 +48,8 @@ public:
     int runModal();
     // In front of the window, which alone gets no input, and answers at once. The handler gets the response
     // before the panel goes; it is cancelled when the window is hidden or closed. Until then the panel holds
-    // itself. Over no visible window it runs as runModal does. Does nothing while the panel is shown already.
+    // itself. Over no visible window it runs as runModal does. Does nothing, and the handler never comes, while
+    // the panel is shown already or no window system is installed.
     void beginSheetModalForWindow_completionHandler(NSWindow* window, std::function<void(int)> handler);
 
     // What was chosen last, in the order in which it was shown; empty after Cancel.

@@ -102,6 +102,7 @@ public:
 
     bool isFlipped() const override { return true; }
     bool acceptsFirstResponder() const override { return isEnabled(); }
+    bool needsPanelToBecomeKey() const override { return true; }
     void setEnabled(bool enabled) override;
     void layout() override;
     void mouseDown(const NSEvent& event) override;

@@ -107,6 +107,7 @@ public:
     void sizeToFit() override;         // the text's size, whole points, and 4 points of width for the padding
 
     bool acceptsFirstResponder() const override { return isEnabled() && selectable_; }
+    bool needsPanelToBecomeKey() const override { return editable_; }
     bool becomeFirstResponder() override;
     bool resignFirstResponder() override; // asks the delegate
 

@@ -103,6 +103,8 @@ public:
     bool canBecomeKeyView() const {
         return acceptsFirstResponder() && window_ && !isHiddenOrHasHiddenAncestor();
     }
+    // Whether people come to it to type or to choose with the keys, as to fields and lists. False.
+    virtual bool needsPanelToBecomeKey() const { return false; }
     // Whether a view at or below this one acts on the key, whatever has the keyboard.
     virtual bool performKeyEquivalent(const NSEvent& event);
 

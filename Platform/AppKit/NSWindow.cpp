@@ -361,8 +361,15 @@ void NSWindow::wasShown() {
     contentView_->layoutSubtreeIfNeeded();
     open_ = true;
     visible_ = true;
-    auto* const view = initialFirstResponder();
-    if (!std::exchange(wasEverShown_, true) && view && firstResponder() == this) makeFirstResponder(view);
+    if (std::exchange(wasEverShown_, true) || firstResponder() != this) return;
+    if (auto* const view = initialFirstResponder()) {
+        makeFirstResponder(view);
+        return;
+    }
+    const auto views = keyViews();
+    const auto first =
+        std::ranges::find_if(views, [](const auto& view) { return view->needsPanelToBecomeKey(); });
+    if (first != views.end()) makeFirstResponder(first->get());
 }
 
 void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
@@ -499,13 +506,18 @@ void NSWindow::endEditingFor(NSObject*) {
     }
 }
 
-bool NSWindow::selectKeyView(NSView* from, bool backwards) {
+std::vector<std::shared_ptr<NSView>> NSWindow::keyViews() const {
     std::vector<std::shared_ptr<NSView>> views;
     const auto collect = [&](const auto& self, NSView& view) -> void {
         if (view.canBecomeKeyView()) views.push_back(std::static_pointer_cast<NSView>(view.shared_from_this()));
         for (const auto& subview : view.subviews()) self(self, *subview);
     };
     collect(collect, *contentView_);
+    return views;
+}
+
+bool NSWindow::selectKeyView(NSView* from, bool backwards) {
+    const auto views = keyViews();
     if (views.empty()) return false;
     std::shared_ptr<NSView> next;
     // Along the links that were made, over views that cannot take the keyboard.

@@ -124,7 +124,8 @@ public:
     NSResponder* firstResponder() const;
     bool makeFirstResponder(NSResponder* responder);
 
-    // Becomes first responder when the window is first shown, unless another view is already.
+    // Becomes first responder when the window is first shown, unless another view is already. Without one the
+    // first view of the content does that needs the keyboard, as fields and lists do.
     NSView* initialFirstResponder() const { return initialFirstResponder_.lock().get(); }
     void setInitialFirstResponder(const std::weak_ptr<NSView>& view) { initialFirstResponder_ = view; }
 
@@ -173,7 +174,8 @@ private:
     friend class NSOpenPanel;
     friend class NSTextField;
     friend class NSToolbar;
-    bool selectKeyView(NSView* from, bool backwards); // false: there is no other
+    std::vector<std::shared_ptr<NSView>> keyViews() const; // in the order of the subviews
+    bool selectKeyView(NSView* from, bool backwards);      // false: there is no other
     bool performKeyEquivalentOf(const char* characters);
     void realise(bool withMenuBar);
     void unrealise();

@@ -25,7 +25,7 @@ class NSURL {
 public:
     // A relative path is taken from the working directory, which an empty one stands for. Nothing in it is
     // resolved: ".", "..", "~", links and double slashes stay. A path that ends in a slash, or at which there
-    // is a folder now, is a folder's. Looks at the file system.
+    // is a folder now, is a folder's. Looks at the file system, as bookmarkData does. From any thread.
     static NSURL fileURLWithPath(std::string_view path);
 
     // The absolute path, without slashes at its end. The bytes are those of the file's name, whatever they

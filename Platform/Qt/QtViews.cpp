@@ -28,6 +28,18 @@ Appearance appearanceOf(const QPalette& palette) {
     return last;
 }
 
+namespace {
+
+// Frames stay where they are in a program that is read from right to left, and so do the texts in them.
+Qt::Alignment alignmentOf(NSTextAlignment alignment) {
+    const auto horizontal = alignment == NSTextAlignmentRight    ? Qt::AlignRight
+                            : alignment == NSTextAlignmentCenter ? Qt::AlignHCenter
+                                                                 : Qt::AlignLeft;
+    return horizontal | Qt::AlignAbsolute | Qt::AlignVCenter;
+}
+
+} // namespace
+
 // ViewWidget
 
 ViewWidget::ViewWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink, port::ViewClient& viewClient)
@@ -272,10 +284,7 @@ TextFieldWidget::~TextFieldWidget() { tellGone(client); }
 void TextFieldWidget::setLook(const port::TextFieldLook& look) {
     look_ = look;
     setFont(fontFor(look.font));
-    const auto horizontal = look.alignment == NSTextAlignmentRight    ? Qt::AlignRight
-                            : look.alignment == NSTextAlignmentCenter ? Qt::AlignHCenter
-                                                                      : Qt::AlignLeft;
-    setAlignment(horizontal | Qt::AlignVCenter);
+    setAlignment(alignmentOf(look.alignment));
     // What is read only looks like text on its background.
     setFrame(look.bezeled && look.drawsBackground);
     applyColours();
@@ -404,10 +413,7 @@ void LabelPeer::setAppearance(const FontDescription& font, const Colour& colour,
     if (!widget_) return;
     widget_->setFont(fontFor(font));
     widget_->setColour(colour);
-    const auto horizontal = alignment == NSTextAlignmentRight    ? Qt::AlignRight
-                            : alignment == NSTextAlignmentCenter ? Qt::AlignHCenter
-                                                                 : Qt::AlignLeft;
-    widget_->setAlignment(horizontal | Qt::AlignVCenter);
+    widget_->setAlignment(alignmentOf(alignment));
 }
 
 void ButtonPeer::setTitle(const std::string& title) {

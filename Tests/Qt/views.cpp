@@ -394,6 +394,7 @@ TEST_F(QtViews, ALabelShowsItsTextInItsColourAndFollowsTheAppearance) {
     EXPECT_EQ(real->palette().color(QPalette::WindowText), QColor(255, 59, 48));
     label->setAlignment(NSTextAlignmentRight);
     EXPECT_TRUE(real->alignment().testFlag(Qt::AlignRight));
+    EXPECT_TRUE(real->alignment().testFlag(Qt::AlignAbsolute)) << "frames are not mirrored, either";
     label->setStringValue("next");
     EXPECT_EQ(real->text(), "next");
 }

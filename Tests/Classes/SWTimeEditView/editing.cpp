@@ -66,6 +66,9 @@ protected:
                            NSWindowStyleMaskTitled, NSBackingStoreBuffered, false);
         window_->contentView()->addSubview(view_);
         window_->makeKeyAndOrderFront(nullptr);
+        EXPECT_EQ(window_->firstResponder(), view_->lblHour().get());
+        window_->makeFirstResponder(nullptr);
+        taken();
         platform_.display();
         user_ = platform_.windows().at(0);
     }

@@ -224,6 +224,30 @@ TEST_F(TextFields, TheInitialFirstResponderHasTheKeyboardWhenTheWindowIsShown) {
     EXPECT_EQ(window->firstResponder(), other.get()) << "only the first time";
 }
 
+TEST_F(TextFields, WithoutAnInitialFirstResponderTheFirstFieldHasTheKeyboard) {
+    const auto content = probe("content", NSMakeRect(0, 0, 200, 100));
+    const auto button = NSButton::buttonWithTitle_target_action("Button", nullptr, "performClose:");
+    const auto label = make<NSTextField>(NSMakeRect(0, 60, 100, 24)),
+               hidden = make<NSTextField>(NSMakeRect(0, 0, 100, 24)),
+               field = make<NSTextField>(NSMakeRect(0, 30, 100, 24));
+    label->setEditable(false);
+    label->setSelectable(true);
+    hidden->setHidden(true);
+    content->addSubview(button);
+    for (const auto& each : {label, hidden, field}) content->addSubview(each);
+    const auto window = makeWindow(content);
+    window->makeKeyAndOrderFront(nullptr);
+    EXPECT_EQ(window->firstResponder(), field.get());
+    platform_.windows().back()->type("typed");
+    EXPECT_EQ(field->stringValue(), "typed");
+
+    const auto without = makeWindow(probe("other", NSMakeRect(0, 0, 200, 100)));
+    without->contentView()->addSubview(
+        NSButton::buttonWithTitle_target_action("Button", nullptr, "performClose:"));
+    without->makeKeyAndOrderFront(nullptr);
+    EXPECT_EQ(without->firstResponder(), without.get()) << "a button does not need it";
+}
+
 TEST_F(TextFields, ARefusedEndSelectsTheText) {
     begin();
     life_->ends = false;
