@@ -42,7 +42,8 @@ public:
     bool commitEditing() override { return loadingCanceled() || ZRTrustedPathViewCtl::commitEditing(); }
     void removeFolderDown(NSObject* sender) override {
         std::set<std::string> gone;
-        for (const std::size_t row : tableView()->selectedRowIndexes()) gone.insert(aryItems().at(row).path());
+        for (const std::size_t row : tableView()->selectedRowIndexes())
+            if (row < aryItems().size()) gone.insert(aryItems()[row].path());
         const auto defaults = NSUserDefaults::standardUserDefaults();
         const auto before = defaults->arrayForKey(kBookmarksKey);
         auto stored = before ? *before : PropertyList::Array();
