@@ -144,7 +144,7 @@ TEST_F(QtWindows, ResizingAndMovingByTheUserIsReported) {
 }
 
 TEST_F(QtWindows, TheFrameLetsTheUserDoWhatTheStyleSays) {
-    const auto flags = [this](unsigned style) {
+    const auto flags = [](unsigned style) {
         const auto window = make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer,
                                            NSMakeRect(0, 0, 100, 50), style, NSBackingStoreBuffered, false);
         window->setTitle("styled");

@@ -278,9 +278,17 @@ TEST_F(Bookmarks, FailWhenTheyAreLaidOutOtherwise) {
     const std::string beginning = "ZRUIBKM\1", path("\2\0\0\0/a", 6), none(4, '\0'), number("\1\0\0\0", 4);
     EXPECT_EQ(decoded(summed(beginning + path + none + none)), (Bookmark{"/a", "", ""}));
     EXPECT_EQ(decoded(summed("ZRUIBKM\2" + path + none + none)), std::nullopt);
-    for (const auto& rest : {std::string(), std::string(3, '\0'), number, path, path + none, path + none + "\1",
-                             path + none + number, path + none + "\xFF\xFF\xFF\xFF", path + none + none + "x",
-                             std::string("\x7F\0\0\0/a", 6) + none + none})
+    const std::vector<std::string> rests = {"",
+                                            std::string(3, '\0'),
+                                            number,
+                                            path,
+                                            path + none,
+                                            path + none + "\1",
+                                            path + none + number,
+                                            path + none + "\xFF\xFF\xFF\xFF",
+                                            path + none + none + "x",
+                                            std::string("\x7F\0\0\0/a", 6) + none + none};
+    for (const auto& rest : rests)
         EXPECT_EQ(decoded(summed(beginning + rest)), std::nullopt) << testing::PrintToString(rest);
     EXPECT_EQ(decoded(encoded({std::string("/a\0b", 4), "", "x"})), std::nullopt);
 }
