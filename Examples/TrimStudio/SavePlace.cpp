@@ -53,9 +53,11 @@ std::optional<fs::path> askForSavePlace(const fs::path& recording) {
     const std::size_t known = trusted->aryItems().size();
     if (!ZRTrustedPathViewCtl::tryToAuthorizeDirs({folder.native()})) return std::nullopt;
     // A plain folder cannot be written to because somebody authorised it, and the user may have picked another.
+    // One above it was meant to open this one, not to take the copy.
     if (!canBeWrittenTo(folder) && trusted->aryItems().size() > known) {
-        const fs::path picked = trusted->aryItems().back().path();
-        if (canBeWrittenTo(picked)) return picked;
+        const fs::path picked = trusted->aryItems().back().path(),
+                       fromThere = folder.lexically_relative(picked);
+        if (!fromThere.empty() && *fromThere.begin() == ".." && canBeWrittenTo(picked)) return picked;
     }
     while (!canBeWrittenTo(folder)) {
         const auto another = askForAnother(recording, folder);

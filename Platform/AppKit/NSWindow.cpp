@@ -304,6 +304,7 @@ void NSWindow::unrealise() {
 
 void NSWindow::show(bool activate) {
     if (!installation() || (foreign_ && !peer_)) return;
+    const auto held = retained(this);
     wasShown();
     realise(true);
     keepWithinReach();

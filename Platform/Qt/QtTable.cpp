@@ -144,7 +144,9 @@ bool TableWidget::viewportEvent(QEvent* event) {
     const QString text = cell.data().toString();
     const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1);
     if (fontMetrics().horizontalAdvance(text) + margins > columnWidth(cell.column()))
-        QToolTip::showText(help.globalPos(), text.toHtmlEscaped(), viewport(), visualRect(cell));
+        QToolTip::showText(help.globalPos(),
+                           QStringLiteral("<span style='white-space:pre'>%1</span>").arg(text.toHtmlEscaped()),
+                           viewport(), visualRect(cell));
     else
         QToolTip::hideText();
     return true;

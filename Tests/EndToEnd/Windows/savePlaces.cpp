@@ -131,6 +131,21 @@ TEST_F(SavePlaces, AreWhatTheUserPicksForAuthorizing) {
     EXPECT_EQ(saveFolder(), std::nullopt) << "this time only";
 }
 
+TEST_F(SavePlaces, AreNotTheFolderAboveThatWasAuthorized) {
+    const fs::path recordings = folder_ / "open" / "recordings";
+    fs::create_directory(recordings);
+    close(recordings);
+    setSaveFolder(recordings);
+    answer(true);
+    choose(folder_ / "open");
+    answer(false);
+    save();
+    EXPECT_THAT(happened_, ElementsAre("Warnning!", "Authorize", refusal(recordings)));
+    EXPECT_THAT(filesIn(folder_ / "open"), UnorderedElementsAre("recordings"));
+    EXPECT_THAT(trustedNames(), ElementsAre("open"));
+    open(recordings);
+}
+
 // A plain folder stays as it is, however much it is authorised.
 TEST_F(SavePlaces, MayBeOthersInstead) {
     answer(true);
