@@ -1,8 +1,11 @@
 #include "Headless.h"
 #include "HeadlessQueues.h"
-#include "RecordingCanvas.h"
 
-#include <WindowSystem/WindowSystem.h>
+#include <WindowSystem/Controls.h>
+#include <WindowSystem/Panels.h>
+#include <WindowSystem/Tables.h>
+#include <WindowSystem/Windows.h>
+#include <ZRUIKitHeadless/RecordingCanvas.h>
 
 #include <algorithm>
 #include <cmath>

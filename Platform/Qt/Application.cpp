@@ -1,10 +1,10 @@
 #include "Application.h"
-#include "Hosting/Ending.h"
-#include "QtPortal.h"
-#include "QtQueues.h"
 #include "QtWindowSystem.h"
 
 #include <FoundationBackends/Host.h>
+#include <ZRUIKitQt/Ending.h>
+#include <ZRUIKitQt/QtPortal.h>
+#include <ZRUIKitQt/QtQueues.h>
 
 #include <QApplication>
 #include <QLibraryInfo>

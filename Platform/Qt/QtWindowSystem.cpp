@@ -1,12 +1,13 @@
-#include "QtCanvas.h"
-#include "QtDueWork.h"
-#include "QtOpenPanel.h"
-#include "QtPortalPanel.h"
-#include "QtTable.h"
-#include "QtTrackingLoop.h"
-#include "QtViews.h"
-#include "QtWindow.h"
 #include "QtWindowSystem.h"
+
+#include <ZRUIKitQt/QtCanvas.h>
+#include <ZRUIKitQt/QtDueWork.h>
+#include <ZRUIKitQt/QtOpenPanel.h>
+#include <ZRUIKitQt/QtPortalPanel.h>
+#include <ZRUIKitQt/QtTable.h>
+#include <ZRUIKitQt/QtTrackingLoop.h>
+#include <ZRUIKitQt/QtViews.h>
+#include <ZRUIKitQt/QtWindow.h>
 
 #include <QAbstractEventDispatcher>
 #include <QFontMetricsF>

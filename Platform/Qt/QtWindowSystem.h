@@ -1,8 +1,7 @@
 #pragma once
 
-#include "QtPortal.h"
-
-#include <WindowSystem/WindowSystem.h>
+#include <WindowSystem/Windows.h>
+#include <ZRUIKitQt/QtPortal.h>
 
 #include <QApplication>
 #include <QObject>

@@ -1,0 +1,86 @@
+#include <AppKit/Installation.h>
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSOpenPanel.h>
+#include <AppKit/NSWindow.h>
+#include <Foundation/NSBundle.h>
+#include <WindowSystem/Panels.h>
+
+#include <utility>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSOpenPanel)
+
+struct NSOpenPanel::Client final : port::OpenPanelClient {
+    explicit Client(NSOpenPanel& owner) : panel(owner) {}
+    void peerChose(const std::vector<std::string>& paths) override { panel.chose(paths); }
+    NSOpenPanel& panel;
+};
+
+NSOpenPanel::NSOpenPanel() = default;
+NSOpenPanel::~NSOpenPanel() = default;
+
+std::shared_ptr<NSOpenPanel> NSOpenPanel::openPanel() { return make<NSOpenPanel>(); }
+
+std::optional<NSURL> NSOpenPanel::URL() const {
+    return urls_.empty() ? std::nullopt : std::optional(urls_.front());
+}
+
+void NSOpenPanel::show(NSWindow* window) {
+    const std::string prompt =
+        prompt_.empty() ? NSBundle::mainBundle().localizedStringForKey_value_table("Open", "", std::nullopt)
+                        : prompt_;
+    client_ = std::make_unique<Client>(*this);
+    peer_ = installation()->windowSystem.showOpenPanel({.prompt = prompt,
+                                                        .folder = directoryURL_ ? directoryURL_->path() : "",
+                                                        .files = canChooseFiles_,
+                                                        .folders = canChooseDirectories_,
+                                                        .several = allowsMultipleSelection_},
+                                                       window ? window->peer_.get() : nullptr, *client_);
+}
+
+int NSOpenPanel::runModal() {
+    const auto held = retained(this);
+    if (peer_ || !installation()) return NSModalResponseCancel;
+    urls_.clear();
+    NSApplication::sharedApplication().runModal(
+        nullptr, [this] { show(nullptr); }, [this] { return peer_ != nullptr; });
+    peer_.reset();
+    return urls_.empty() ? NSModalResponseCancel : NSModalResponseOK;
+}
+
+void NSOpenPanel::beginSheetModalForWindow_completionHandler(NSWindow* window,
+                                                             std::function<void(int)> handler) {
+    const auto held = retained(this);
+    if (peer_ || !installation()) return;
+    if (!window || !window->isVisible()) {
+        const int response = runModal();
+        if (handler) handler(response);
+        return;
+    }
+    const auto heldWindow = retained(window);
+    window->pressesEnd();
+    urls_.clear();
+    self_ = held;
+    handler_ = std::move(handler);
+    show(window);
+}
+
+void NSOpenPanel::chose(const std::vector<std::string>& paths) {
+    const auto held = retained(this);
+    if (!peer_) return;
+    for (const auto& path : paths) urls_.push_back(NSURL::fileURLWithPath(path));
+    if (!self_) { // runModal waits
+        peer_.reset();
+        NSApplication::sharedApplication().wakeModal();
+        return;
+    }
+    // The handler may show the panel again, once this has gone.
+    const auto peer = std::move(peer_);
+    const auto client = std::move(client_);
+    self_.reset();
+    const auto handler = std::exchange(handler_, nullptr);
+    if (handler) handler(urls_.empty() ? NSModalResponseCancel : NSModalResponseOK);
+}
+
+} // namespace zr

@@ -1,0 +1,45 @@
+#include <AppKit/NSTableHeaderView.h>
+#include <AppKit/NSTableView.h>
+#include <WindowSystem/Tables.h>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSTableHeaderView)
+
+struct NSTableHeaderView::Client final : port::TableHeaderClient {
+    explicit Client(NSTableHeaderView& owner) : header(owner) {}
+    void peerColumnResized(std::size_t column, double width) override {
+        if (!header.tableView_) return;
+        const auto resized = header.tableView_->tableColumns().at(column);
+        resized->setWidth(width);
+        // What went beyond the limits is put back.
+        if (resized->width() != width) header.columnsChanged();
+    }
+    NSTableHeaderView& header;
+};
+
+NSTableHeaderView::NSTableHeaderView() = default;
+NSTableHeaderView::~NSTableHeaderView() = default;
+
+long NSTableHeaderView::columnAtPoint(const NSPoint& point) const {
+    return tableView_ && NSPointInRect(point, bounds()) ? tableView_->columnAt(point.x) : -1;
+}
+
+std::unique_ptr<port::ViewPeer> NSTableHeaderView::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
+                                                            port::ViewClient& client) {
+    if (!headerClient_) headerClient_ = std::make_unique<Client>(*this);
+    auto peer = factory.makeTableHeader(parent, client, *headerClient_);
+    header_ = peer.get();
+    columnsChanged();
+    return peer;
+}
+
+void NSTableHeaderView::columnsChanged() {
+    if (!tableView_) return;
+    setBoundsOrigin({tableView_->bounds().origin.x, 0});
+    if (!header_) return;
+    header_->setColumns(tableView_->shownColumns());
+    header_->setOffset(bounds().origin.x);
+}
+
+} // namespace zr

@@ -1,0 +1,100 @@
+#include <AppKit/NSApplication.h>
+#include <AppKit/NSMenu.h>
+#include <AppKit/NSWindow.h>
+#include <WindowSystem/Windows.h>
+
+#include <algorithm>
+
+namespace zr {
+
+ZR_CLASS_TABLE(NSMenuItem)
+ZR_CLASS_TABLE(NSMenu)
+
+std::shared_ptr<NSMenuItem> NSMenuItem::separatorItem() {
+    auto item = make<NSMenuItem>();
+    item->isSeparator_ = true;
+    return item;
+}
+
+bool NSMenuItem::initWithTitle_action_keyEquivalent(const std::string& title, const SEL& action,
+                                                    const std::string& keyEquivalent) {
+    title_ = title;
+    action_ = action;
+    keyEquivalent_ = keyEquivalent;
+    return true;
+}
+
+bool NSMenuItem::perform() { return performIn(NSApplication::sharedApplication().keyWindow()); }
+
+bool NSMenuItem::performIn(NSWindow* window) {
+    if (!enabled_ || action_.empty()) return false;
+    const auto held = retained(this);
+    const auto taker = NSApplication::sharedApplication().takerOf(action_, target().get(), window);
+    return taker && taker->performSelector_withObject(action_, this);
+}
+
+// As its key equivalent would act, or not.
+bool NSMenuItem::canBeChosenIn(NSWindow* window) const {
+    if (!enabled_ || submenu_) return enabled_;
+    auto& application = NSApplication::sharedApplication();
+    return !action_.empty() && !application.modalWindow() &&
+           application.takerOf(action_, target().get(), window) != nullptr;
+}
+
+bool NSMenuItem::isPressedBy(const NSEvent& event) const {
+    constexpr unsigned kShortcutFlags =
+        NSEventModifierFlagCommand | NSEventModifierFlagOption | NSEventModifierFlagControl;
+    // Shift counts where it is asked for: what else it makes of a key is in the characters.
+    const unsigned shift = keyEquivalentModifierMask_ & NSEventModifierFlagShift;
+    const auto lowered = [&](std::string characters) {
+        if (shift != 0 && characters.size() == 1 && characters[0] >= 'A' && characters[0] <= 'Z')
+            characters[0] = static_cast<char>(characters[0] + ('a' - 'A'));
+        return characters;
+    };
+    return !keyEquivalent_.empty() && lowered(event.charactersIgnoringModifiers()) == lowered(keyEquivalent_) &&
+           (event.modifierFlags() & (kShortcutFlags | shift)) == keyEquivalentModifierMask_;
+}
+
+bool NSMenu::initWithTitle(const std::string& title) {
+    title_ = title;
+    return true;
+}
+
+std::shared_ptr<NSMenuItem> NSMenu::addItemWithTitle_action_keyEquivalent(const std::string& title,
+                                                                          const SEL& action,
+                                                                          const std::string& keyEquivalent) {
+    auto item = make<NSMenuItem>(&NSMenuItem::initWithTitle_action_keyEquivalent, title, action, keyEquivalent);
+    addItem(item);
+    return item;
+}
+
+std::vector<port::MenuItem> NSMenu::shownIn(const std::weak_ptr<NSWindow>& window) const {
+    std::vector<port::MenuItem> result;
+    for (const auto& item : items_) {
+        port::MenuItem shown{.title = item->title(),
+                             .key = item->keyEquivalent(),
+                             .modifierFlags = item->keyEquivalentModifierMask(),
+                             .enabled = item->canBeChosenIn(window.lock().get()),
+                             .separator = item->isSeparatorItem()};
+        if (const auto& submenu = item->submenu())
+            shown.submenu = [submenu, window] { return submenu->shownIn(window); };
+        else
+            shown.choose = [item, window] {
+                const auto held = window.lock();
+                if (held && item->canBeChosenIn(held.get())) item->performIn(held.get());
+            };
+        result.push_back(std::move(shown));
+    }
+    return result;
+}
+
+bool NSMenu::performKeyEquivalent(const NSEvent& event) {
+    const auto held = retained(this);
+    const auto items = items_;
+    return std::ranges::any_of(items, [&](const auto& item) {
+        const auto submenu = item->submenu();
+        return submenu ? submenu->performKeyEquivalent(event) : item->isPressedBy(event) && item->perform();
+    });
+}
+
+} // namespace zr

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <WindowSystem/Drawing.h>
+
+#include <QColor>
+#include <QFont>
+#include <QImage>
+#include <QPainter>
+
+namespace zr::qt {
+
+class QtBitmap final : public port::Bitmap {
+public:
+    explicit QtBitmap(QImage image) : image_(std::move(image)) {}
+    CGSize pixelSize() const override { return {double(image_.width()), double(image_.height())}; }
+    const QImage& image() const { return image_; }
+
+private:
+    QImage image_;
+};
+
+QColor colourFor(const Colour& colour, Appearance appearance);
+// Sizes are relative to the desktop's own font: 13 points, the system's size, is as large as that.
+QFont fontFor(const FontDescription& description);
+
+// Paints a drawing pass of one view, in device pixels. Bars and pictures of natural size are moved to whole
+// ones, so that they are crisp at any scale; everything else is painted where it is, to a quarter of a pixel.
+class QtCanvas final : public port::Canvas {
+public:
+    struct Geometry {
+        double height = 0; // of the view, points
+        bool yUp = true;
+        QPointF shift; // from the view's corner to the widget's
+        Appearance appearance = Appearance::light;
+    };
+    QtCanvas(QPainter& painter, const Geometry& geometry);
+
+    void save() override { painter_.save(); }
+    void restore() override { painter_.restore(); }
+    void clip(const Path& path) override;
+    void fill(const Path& path, const Colour& colour, NSCompositingOperation operation) override;
+    void stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) override;
+    void image(const port::ImageRepresentations& representations, CGSize imageSize, const CGRect& destination,
+               const CGRect& source, NSCompositingOperation operation, double fraction) override;
+    void text(std::string_view text, const FontDescription& font, const Colour& colour,
+              CGPoint origin) override;
+
+private:
+    QPointF mapped(CGPoint point) const;
+    QRectF mapped(const CGRect& rect) const;
+    QPainterPath mapped(const Path& path) const;
+    QRectF bar(const CGRect& rect) const;
+    void fillRectangle(const QRectF& rect, const QColor& colour);
+    void fillRounded(const QRectF& rect, double xRadius, double yRadius, const QColor& colour);
+    void fillOval(const QRectF& oval, const QColor& colour);
+    template <class Shape>
+    void paintSmooth(const QPen& pen, const QBrush& brush, const Shape& shape);
+    bool copies() const; // pixels of a kept picture can simply be copied
+
+    QPainter& painter_;
+    Geometry geometry_;
+    QPointF origin_; // of the widget, device pixels
+    double scale_;   // device pixels for a point
+    bool plain_;     // the painter neither rotates nor stretches
+};
+
+// A picture being drawn.
+class QtBitmapCanvas final : public port::BitmapCanvas {
+public:
+    QtBitmapCanvas(CGSize size, double scale, Appearance appearance);
+    port::Canvas& canvas() override { return canvas_; }
+    std::shared_ptr<port::Bitmap> finish() override;
+
+private:
+    QImage image_;
+    QPainter painter_;
+    QtCanvas canvas_;
+};
+
+} // namespace zr::qt

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <Base/Font.h>
+#include <WindowSystem/Windows.h>
+
+#include <string>
+
+namespace zr::port {
+
+class LabelPeer : public virtual ViewPeer {
+public:
+    virtual void setText(const std::string& text) = 0;
+    virtual void setWraps(bool wraps) = 0; // lines at the width, instead of shortening the one there is
+    virtual void setAppearance(const FontDescription& font, const Colour& colour,
+                               NSTextAlignment alignment) = 0;
+};
+
+struct TextFieldLook {
+    FontDescription font{};
+    Colour colour{};
+    NSTextAlignment alignment = NSTextAlignmentLeft;
+    Colour background{};
+    bool drawsBackground = true;
+    bool bezeled = true;
+    bool showsFocus = true; // by a ring or the like
+    bool operator==(const TextFieldLook&) const = default;
+};
+
+// What the user does in a field. The peer has changed its text already.
+class TextFieldClient {
+public:
+    virtual ~TextFieldClient() = default;
+    virtual void peerTextEdited(const std::string& text) = 0;
+    virtual void peerReturn() = 0;
+    virtual bool peerEscape() = 0; // false: the key is for somebody else
+    virtual void peerTab(bool backwards) = 0;
+};
+
+class TextFieldPeer : public virtual ViewPeer {
+public:
+    virtual void setText(const std::string& text) = 0;
+    virtual void setLook(const TextFieldLook& look) = 0;
+    virtual void setEditing(bool editable, bool selectable) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+    virtual void selectText() = 0; // all of it
+};
+
+class ButtonClient {
+public:
+    virtual ~ButtonClient() = default;
+    virtual void peerPressed() = 0; // clicked, or pressed by the keyboard
+};
+
+class ButtonPeer : public virtual ViewPeer {
+public:
+    virtual void setTitle(const std::string& title) = 0;
+    virtual void setEnabled(bool enabled) = 0;
+    virtual void setDefault(bool isDefault) = 0; // the look of the button that Return presses
+    virtual CGSize naturalSize() const = 0;
+};
+
+struct Progress {
+    double fraction = 0; // 0 to 1
+    bool indeterminate = false;
+    bool running = false; // moves, where it is indeterminate
+    bool visible = true;
+    bool operator==(const Progress&) const = default;
+};
+
+class ProgressPeer : public virtual ViewPeer {
+public:
+    virtual void setProgress(const Progress& progress) = 0;
+};
+
+} // namespace zr::port
