@@ -1,24 +1,9 @@
-#include <AppKit/NSAlert.h>
-#include <AppKit/NSApplication.h>
-#include <AppKit/NSButton.h>
-#include <AppKit/NSControl.h>
-#include <AppKit/NSImage.h>
-#include <AppKit/NSImageView.h>
-#include <AppKit/NSMenu.h>
-#include <AppKit/NSNib.h>
-#include <AppKit/NSOpenPanel.h>
-#include <AppKit/NSProgressIndicator.h>
-#include <AppKit/NSResponder.h>
-#include <AppKit/NSScrollView.h>
-#include <AppKit/NSTableColumn.h>
-#include <AppKit/NSTableHeaderView.h>
-#include <AppKit/NSTableView.h>
-#include <AppKit/NSTextField.h>
-#include <AppKit/NSToolbar.h>
-#include <AppKit/NSView.h>
-#include <AppKit/NSViewController.h>
-#include <AppKit/NSWindow.h>
-#include <AppKit/NSWindowController.h>
+#include <AppKit/ControlClasses.h>
+#include <AppKit/DrawingClasses.h>
+#include <AppKit/InterfaceFileClasses.h>
+#include <AppKit/PanelClasses.h>
+#include <AppKit/TableClasses.h>
+#include <AppKit/WindowClasses.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSNull.h>
 #include <Foundation/NSRunLoop.h>
@@ -33,51 +18,42 @@
 #include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 #include <array>
+#include <vector>
 
 namespace zr {
 
-std::span<const ClassTable* const> kitClassTables() {
+namespace {
+
+std::span<const ClassTable* const> kitClasses() {
     static const std::array tables = {
-        &NSObject::classTable(),
-        &NSBundle::classTable(),
-        &NSNull::classTable(),
-        &NSPort::classTable(),
-        &NSRunLoop::classTable(),
-        &NSResponder::classTable(),
-        &NSAlert::classTable(),
-        &NSApplication::classTable(),
-        &NSImage::classTable(),
-        &NSView::classTable(),
-        &NSControl::classTable(),
-        &NSButton::classTable(),
-        &NSTextField::classTable(),
-        &NSWindow::classTable(),
-        &NSNib::classTable(),
-        &NSWindowController::classTable(),
-        &NSViewController::classTable(),
-        &SliderSelectionItem::classTable(),
         &BaseSliderView::classTable(),
-        &SplitSliderView::classTable(),
+        &MASPreferencesWindowController::classTable(),
         &ProgressSliderView::classTable(),
         &SWTimeEditView::classTable(),
-        &ZRAlertAction::classTable(),
+        &SliderSelectionItem::classTable(),
+        &SplitSliderView::classTable(),
         &ZRAlert::classTable(),
+        &ZRAlertAction::classTable(),
         &ZRLoadingWndCtl::classTable(),
-        &MASPreferencesWindowController::classTable(),
         &ZRTrustedPathViewCtl::classTable(),
-        &NSProgressIndicator::classTable(),
-        &NSImageView::classTable(),
-        &NSMenu::classTable(),
-        &NSMenuItem::classTable(),
-        &NSToolbar::classTable(),
-        &NSToolbarItem::classTable(),
-        &NSClipView::classTable(),
-        &NSOpenPanel::classTable(),
-        &NSScrollView::classTable(),
-        &NSTableColumn::classTable(),
-        &NSTableHeaderView::classTable(),
-        &NSTableView::classTable(),
     };
+    return tables;
+}
+
+std::vector<const ClassTable*> joined() {
+    std::vector<const ClassTable*> all = {&NSObject::classTable(), &NSBundle::classTable(),
+                                          &NSNull::classTable(), &NSPort::classTable(),
+                                          &NSRunLoop::classTable()};
+    for (const auto room : {drawingClasses(), windowClasses(), controlClasses(), tableClasses(), panelClasses(),
+                            interfaceFileClasses(), kitClasses()})
+        all.insert(all.end(), room.begin(), room.end());
+    return all;
+}
+
+} // namespace
+
+std::span<const ClassTable* const> kitClassTables() {
+    static const auto tables = joined();
     return tables;
 }
 

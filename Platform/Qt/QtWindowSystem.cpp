@@ -1,16 +1,14 @@
 #include "QtWindowSystem.h"
 
+#include <ZRUIKitQt/Appearance.h>
 #include <ZRUIKitQt/QtCanvas.h>
 #include <ZRUIKitQt/QtDueWork.h>
-#include <ZRUIKitQt/QtOpenPanel.h>
-#include <ZRUIKitQt/QtPortalPanel.h>
-#include <ZRUIKitQt/QtTable.h>
 #include <ZRUIKitQt/QtTrackingLoop.h>
-#include <ZRUIKitQt/QtViews.h>
 #include <ZRUIKitQt/QtWindow.h>
 
 #include <QAbstractEventDispatcher>
 #include <QFontMetricsF>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QWindow>
 
@@ -43,23 +41,9 @@ QPalette darkPalette() {
     return palette;
 }
 
-template <class Peer, class Widget, class... Arguments>
-std::unique_ptr<Peer> makePeer(port::ViewPeer& parent, Arguments&&... arguments) {
-    auto& hasWidget = dynamic_cast<HasWidget&>(parent);
-    Widget* widget = nullptr;
-    if constexpr (std::is_constructible_v<Widget, QWidget*, std::shared_ptr<WindowLink>, Arguments&...>)
-        widget = new Widget(hasWidget.anyWidget(), hasWidget.link, arguments...);
-    else
-        widget = new Widget(hasWidget.anyWidget(), arguments...);
-    auto peer = std::make_unique<Peer>(widget);
-    peer->link = hasWidget.link;
-    widget->show();
-    return peer;
-}
-
 } // namespace
 
-QtWindowSystem::QtWindowSystem(std::shared_ptr<QtPortal> portal) : portal_(std::move(portal)) {
+QtWindowSystem::QtWindowSystem(std::shared_ptr<QtPortal> portal) : PanelPeers(std::move(portal)) {
     qApp->installEventFilter(this);
     auto* const dispatcher = QAbstractEventDispatcher::instance();
     connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, doDueWork);
@@ -100,43 +84,7 @@ std::unique_ptr<port::ViewPeer> QtWindowSystem::makeContentView(port::WindowPeer
 }
 
 std::unique_ptr<port::ViewPeer> QtWindowSystem::makeView(port::ViewPeer& parent, port::ViewClient& client) {
-    return makePeer<PlainPeer, ViewWidget>(parent, client);
-}
-
-std::unique_ptr<port::LabelPeer> QtWindowSystem::makeLabel(port::ViewPeer& parent, port::ViewClient& client) {
-    return makePeer<LabelPeer, LabelWidget>(parent, client);
-}
-
-std::unique_ptr<port::ProgressPeer> QtWindowSystem::makeProgress(port::ViewPeer& parent,
-                                                                 port::ViewClient& client, bool spinning) {
-    if (spinning) return makePeer<ProgressPeerOf<SpinnerWidget>, SpinnerWidget>(parent, client);
-    return makePeer<ProgressPeerOf<ProgressBarWidget>, ProgressBarWidget>(parent, client);
-}
-
-std::unique_ptr<port::LabelPeer> QtWindowSystem::makeScrollingText(port::ViewPeer& parent,
-                                                                   port::ViewClient& client) {
-    return makePeer<ScrollingTextPeer, ScrollingTextWidget>(parent, client);
-}
-
-std::unique_ptr<port::TextFieldPeer>
-QtWindowSystem::makeTextField(port::ViewPeer& parent, port::ViewClient& client, port::TextFieldClient& field) {
-    return makePeer<TextFieldPeer, TextFieldWidget>(parent, client, field);
-}
-
-std::unique_ptr<port::ButtonPeer> QtWindowSystem::makeButton(port::ViewPeer& parent, port::ViewClient& client,
-                                                             port::ButtonClient& button) {
-    return makePeer<ButtonPeer, ButtonWidget>(parent, client, button);
-}
-
-std::unique_ptr<port::TablePeer> QtWindowSystem::makeTable(port::ViewPeer& parent, port::ViewClient& client,
-                                                           port::TableClient& table) {
-    return makePeer<TablePeer, TableWidget>(parent, client, table);
-}
-
-std::unique_ptr<port::TableHeaderPeer> QtWindowSystem::makeTableHeader(port::ViewPeer& parent,
-                                                                       port::ViewClient& client,
-                                                                       port::TableHeaderClient& header) {
-    return makePeer<TableHeaderPeer, TableHeaderWidget>(parent, client, header);
+    return std::make_unique<PlainPeer>(parent, client);
 }
 
 Appearance QtWindowSystem::appearance() const { return appearanceOf(QApplication::palette()); }
@@ -168,20 +116,20 @@ std::unique_ptr<port::TrackingLoop> QtWindowSystem::beginTracking() {
     return std::make_unique<QtTrackingLoop>();
 }
 
-std::unique_ptr<port::OpenPanelPeer> QtWindowSystem::showOpenPanel(const port::OpenPanel& panel,
-                                                                   port::WindowPeer* over,
-                                                                   port::OpenPanelClient& client) {
-    auto* const topLevel = dynamic_cast<TopLevelPeer*>(over);
-    QWidget* const widget = topLevel ? topLevel->topLevel() : nullptr;
-    if (portal_)
-        return std::make_unique<OpenPanelPeer<PortalPanel>>(new PortalPanel(panel, widget, client, *portal_));
-    return std::make_unique<OpenPanelPeer<FileDialog>>(new FileDialog(panel, widget, client));
+std::unique_ptr<port::TrackingLoop> QtWindowSystem::beginModal(port::WindowPeer& window) {
+    return dynamic_cast<TopLevelPeer&>(window).beginModal();
 }
+
+port::WindowInsets QtWindowSystem::usualInsets() const { return qt::usualInsets(); }
 
 bool QtWindowSystem::eventFilter(QObject* watched, QEvent* event) {
     // Reaches no widget of its own: a palette is the application's.
     if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && client_)
         client_->appearanceChanged();
+    if (event->type() == QEvent::MouseButtonPress && watched->isWindowType()) {
+        QWidget* const topLevel = QWidget::find(static_cast<QWindow*>(watched)->winId());
+        return topLevel && endsPress(*topLevel, static_cast<QMouseEvent&>(*event));
+    }
     // Comes to the platform's window, not to the widget.
     if (event->type() == QEvent::WindowBlocked && watched->isWindowType()) {
         auto* const widget =

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <WindowSystem/Windows.h>
-#include <ZRUIKitQt/QtPortal.h>
+#include <ZRUIKitQt/ControlPeers.h>
+#include <ZRUIKitQt/QtPanels.h>
+#include <ZRUIKitQt/QtTable.h>
 
 #include <QApplication>
 #include <QObject>
@@ -12,7 +13,11 @@
 namespace zr::qt {
 
 // The port on Qt: makes peers, measures text, reads pictures, and follows the palette.
-class QtWindowSystem final : public QObject, public port::WindowSystem {
+class QtWindowSystem final : public QObject,
+                             public port::WindowSystem,
+                             public ControlPeers,
+                             public TablePeers,
+                             public PanelPeers {
 public:
     explicit QtWindowSystem(std::shared_ptr<QtPortal> portal); // null outside of a sandbox
     ~QtWindowSystem() override;
@@ -27,33 +32,19 @@ public:
     std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
                                                     port::ViewClient& client) override;
     std::unique_ptr<port::ViewPeer> makeView(port::ViewPeer& parent, port::ViewClient& client) override;
-    std::unique_ptr<port::LabelPeer> makeLabel(port::ViewPeer& parent, port::ViewClient& client) override;
-    std::unique_ptr<port::LabelPeer> makeScrollingText(port::ViewPeer& parent,
-                                                       port::ViewClient& client) override;
-    std::unique_ptr<port::ProgressPeer> makeProgress(port::ViewPeer& parent, port::ViewClient& client,
-                                                     bool spinning) override;
-    std::unique_ptr<port::TextFieldPeer> makeTextField(port::ViewPeer& parent, port::ViewClient& client,
-                                                       port::TextFieldClient& field) override;
-    std::unique_ptr<port::ButtonPeer> makeButton(port::ViewPeer& parent, port::ViewClient& client,
-                                                 port::ButtonClient& button) override;
-    std::unique_ptr<port::TablePeer> makeTable(port::ViewPeer& parent, port::ViewClient& client,
-                                               port::TableClient& table) override;
-    std::unique_ptr<port::TableHeaderPeer> makeTableHeader(port::ViewPeer& parent, port::ViewClient& client,
-                                                           port::TableHeaderClient& header) override;
     Appearance appearance() const override;
     void setAppearance(std::optional<Appearance> appearance) override;
     std::vector<port::Screen> screens() const override;
+    port::WindowInsets usualInsets() const override;
     double screenScale() const override { return qApp->devicePixelRatio(); }
     void run() override;
     void stop() override;
     std::unique_ptr<port::TrackingLoop> beginTracking() override;
-    std::unique_ptr<port::OpenPanelPeer> showOpenPanel(const port::OpenPanel& panel, port::WindowPeer* over,
-                                                       port::OpenPanelClient& client) override;
+    std::unique_ptr<port::TrackingLoop> beginModal(port::WindowPeer& window) override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    const std::shared_ptr<QtPortal> portal_;
     port::ApplicationClient* client_ = nullptr;
     QPalette desktopPalette_;
     bool hasOwnPalette_ = false;

@@ -80,15 +80,15 @@ void NSButton::sizeToFit() {
         setFrameSize(button_->naturalSize());
         return;
     }
-    constexpr double kPaddingX = 32, kPaddingY = 14;
     const NSSize text = sizeWithAttributes(title_, {font(), NSColor::labelColor()});
-    setFrameSize({std::ceil(text.width) + kPaddingX, std::ceil(text.height) + kPaddingY});
+    setFrameSize({std::ceil(text.width) + port::kUsualButtonPadding.width,
+                  std::ceil(text.height) + port::kUsualButtonPadding.height});
 }
 
 std::unique_ptr<port::ViewPeer> NSButton::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                    port::ViewClient& client) {
     if (!buttonClient_) buttonClient_ = std::make_unique<Client>(*this);
-    auto peer = factory.makeButton(parent, client, *buttonClient_);
+    auto peer = factory.make<port::ButtonPeer>(parent, client, {*buttonClient_});
     button_ = peer.get();
     button_->setTitle(title_);
     button_->setEnabled(isEnabled());

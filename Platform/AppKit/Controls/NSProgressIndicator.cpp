@@ -60,7 +60,11 @@ void NSProgressIndicator::stopAnimation(NSObject*) {
 
 std::unique_ptr<port::ViewPeer>
 NSProgressIndicator::makePeer(port::PeerFactory& factory, port::ViewPeer& parent, port::ViewClient& client) {
-    auto peer = factory.makeProgress(parent, client, style_ == NSProgressIndicatorStyleSpinning);
+    std::unique_ptr<port::ProgressPeer> peer;
+    if (style_ == NSProgressIndicatorStyleSpinning)
+        peer = factory.make<port::SpinnerPeer>(parent, client);
+    else
+        peer = factory.make<port::ProgressPeer>(parent, client);
     progress_ = peer.get();
     tellPeer();
     return peer;

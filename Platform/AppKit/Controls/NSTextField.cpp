@@ -221,7 +221,11 @@ void NSTextField::tabbed(bool backwards) {
 std::unique_ptr<port::ViewPeer> NSTextField::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                       port::ViewClient& client) {
     if (isLabel_) {
-        auto peer = scrolls_ ? factory.makeScrollingText(parent, client) : factory.makeLabel(parent, client);
+        std::unique_ptr<port::LabelPeer> peer;
+        if (scrolls_)
+            peer = factory.make<port::ScrollingTextPeer>(parent, client);
+        else
+            peer = factory.make<port::LabelPeer>(parent, client);
         label_ = peer.get();
         tellPeer();
         label_->setWraps(wraps_);
@@ -229,7 +233,7 @@ std::unique_ptr<port::ViewPeer> NSTextField::makePeer(port::PeerFactory& factory
         return peer;
     }
     if (!fieldClient_) fieldClient_ = std::make_unique<Client>(*this);
-    auto peer = factory.makeTextField(parent, client, *fieldClient_);
+    auto peer = factory.make<port::TextFieldPeer>(parent, client, {*fieldClient_});
     field_ = peer.get();
     tellPeer();
     field_->setText(text_);

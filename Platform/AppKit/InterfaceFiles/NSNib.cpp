@@ -1,6 +1,6 @@
 #include "NibFile.h"
 
-#include <AppKit/Installation.h>
+#include <AppKit/InstalledSystem.h>
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSNib.h>
 #include <AppKit/NSScrollView.h>
@@ -119,7 +119,7 @@ private:
     std::shared_ptr<NSObject> resolve(nib::Reference reference) const {
         if (reference >= 0) return objects_.at(static_cast<std::size_t>(reference));
         if (reference == nib::kOwner) return owner_;
-        return reference == nib::kApplication && installation() ? installation()->application : nullptr;
+        return reference == nib::kApplication && installedSystem() ? installedSystem()->application : nullptr;
     }
 
     void setAttribute(const nib::Attribute& plan) const {

@@ -1,7 +1,6 @@
-#include <AppKit/Installation.h>
-#include <AppKit/NSApplication.h>
 #include <AppKit/NSOpenPanel.h>
 #include <AppKit/NSWindow.h>
+#include <AppKit/PanelSupport.h>
 #include <Foundation/NSBundle.h>
 #include <WindowSystem/Panels.h>
 
@@ -31,20 +30,25 @@ void NSOpenPanel::show(NSWindow* window) {
         prompt_.empty() ? NSBundle::mainBundle().localizedStringForKey_value_table("Open", "", std::nullopt)
                         : prompt_;
     client_ = std::make_unique<Client>(*this);
-    peer_ = installation()->windowSystem.showOpenPanel({.prompt = prompt,
-                                                        .folder = directoryURL_ ? directoryURL_->path() : "",
-                                                        .files = canChooseFiles_,
-                                                        .folders = canChooseDirectories_,
-                                                        .several = allowsMultipleSelection_},
-                                                       window ? window->peer_.get() : nullptr, *client_);
+    auto& maker = dynamic_cast<port::PanelMaker&>(*PanelSupport::windowSystem());
+    peer_ = maker.showOpenPanel({.prompt = prompt,
+                                 .folder = directoryURL_ ? directoryURL_->path() : "",
+                                 .files = canChooseFiles_,
+                                 .folders = canChooseDirectories_,
+                                 .several = allowsMultipleSelection_},
+                                window ? PanelSupport::peerOf(*window) : nullptr, *client_);
 }
 
 int NSOpenPanel::runModal() {
     const auto held = retained(this);
-    if (peer_ || !installation()) return NSModalResponseCancel;
+    if (peer_ || !PanelSupport::windowSystem()) return NSModalResponseCancel;
     urls_.clear();
-    NSApplication::sharedApplication().runModal(
-        nullptr, [this] { show(nullptr); }, [this] { return peer_ != nullptr; });
+    PanelSupport::runModal(
+        [this] {
+            show(nullptr);
+            return peer_ ? peer_->beginModal() : nullptr;
+        },
+        [this] { return peer_ != nullptr; });
     peer_.reset();
     return urls_.empty() ? NSModalResponseCancel : NSModalResponseOK;
 }
@@ -52,14 +56,14 @@ int NSOpenPanel::runModal() {
 void NSOpenPanel::beginSheetModalForWindow_completionHandler(NSWindow* window,
                                                              std::function<void(int)> handler) {
     const auto held = retained(this);
-    if (peer_ || !installation()) return;
+    if (peer_ || !PanelSupport::windowSystem()) return;
     if (!window || !window->isVisible()) {
         const int response = runModal();
         if (handler) handler(response);
         return;
     }
     const auto heldWindow = retained(window);
-    window->pressesEnd();
+    PanelSupport::endPresses(*window);
     urls_.clear();
     self_ = held;
     handler_ = std::move(handler);
@@ -72,7 +76,7 @@ void NSOpenPanel::chose(const std::vector<std::string>& paths) {
     for (const auto& path : paths) urls_.push_back(NSURL::fileURLWithPath(path));
     if (!self_) { // runModal waits
         peer_.reset();
-        NSApplication::sharedApplication().wakeModal();
+        PanelSupport::wakeModal();
         return;
     }
     // The handler may show the panel again, once this has gone.

@@ -28,7 +28,7 @@ long NSTableHeaderView::columnAtPoint(const NSPoint& point) const {
 std::unique_ptr<port::ViewPeer> NSTableHeaderView::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                             port::ViewClient& client) {
     if (!headerClient_) headerClient_ = std::make_unique<Client>(*this);
-    auto peer = factory.makeTableHeader(parent, client, *headerClient_);
+    auto peer = factory.make<port::TableHeaderPeer>(parent, client, {*headerClient_});
     header_ = peer.get();
     columnsChanged();
     return peer;
@@ -38,6 +38,7 @@ void NSTableHeaderView::columnsChanged() {
     if (!tableView_) return;
     setBoundsOrigin({tableView_->bounds().origin.x, 0});
     if (!header_) return;
+    header_->setTable(tableView_->table_);
     header_->setColumns(tableView_->shownColumns());
     header_->setOffset(bounds().origin.x);
 }

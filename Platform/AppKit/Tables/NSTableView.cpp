@@ -26,8 +26,6 @@ struct NSTableView::Client final : port::TableClient {
 
 namespace {
 
-constexpr double kUsualRowHeight = 19;
-
 // All rows from one to the other, whichever is above.
 NSIndexSet between(long a, long b) {
     NSIndexSet rows;
@@ -133,7 +131,7 @@ NSScrollView* NSTableView::enclosingScrollView() const {
     return superview() ? dynamic_cast<NSScrollView*>(superview()->superview()) : nullptr;
 }
 
-double NSTableView::rowHeight() const { return table_ ? table_->rowHeight() : kUsualRowHeight; }
+double NSTableView::rowHeight() const { return table_ ? table_->rowHeight() : port::kUsualRowHeight; }
 
 void NSTableView::scrolled(const NSRect& visible) {
     const auto held = retained(this);
@@ -309,7 +307,7 @@ void NSTableView::keyDown(const NSEvent& event) {
 std::unique_ptr<port::ViewPeer> NSTableView::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                                       port::ViewClient& client) {
     if (!tableClient_) tableClient_ = std::make_unique<Client>(*this);
-    auto peer = factory.makeTable(parent, client, *tableClient_);
+    auto peer = factory.make<port::TablePeer>(parent, client, {*tableClient_});
     table_ = peer.get();
     table_->setColumns(shownColumns());
     table_->reload(static_cast<std::size_t>(rowCount_.value_or(0)));

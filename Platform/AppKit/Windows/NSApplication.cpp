@@ -1,6 +1,8 @@
-#include "Installation.h"
+#include "InstalledSystem.h"
 
+#include <AppKit/DrawingSystem.h>
 #include <AppKit/NSApplication.h>
+#include <AppKit/NSMenu.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/Dispatch.h>
 
@@ -14,17 +16,44 @@ namespace zr {
 ZR_CLASS_TABLE(NSApplication, .actions = {actionNamed<&NSApplication::terminate>("terminate:")},
                .outlets = {outletNamed<&NSApplication::setDelegate>("delegate")})
 
-NSApplication::NSApplication() = default;
+// What adaptors, and those below, see of the application.
+struct NSApplication::Link final : port::ApplicationClient, ActionRouter {
+    explicit Link(NSApplication& owner) : application(owner) {}
+
+    void appearanceChanged() override {
+        const auto held = retained(&application);
+        const auto windows = application.windows_;
+        for (const auto& window : windows) window->appearanceChanged();
+    }
+    void willEnd() override {
+        const auto held = retained(&application);
+        application.closeAllWindows();
+    }
+    std::shared_ptr<NSObject> takerOf(const SEL& action, NSObject* target, NSWindow* window) override {
+        return application.takerOf(action, target, window);
+    }
+    std::shared_ptr<NSWindow> keyWindow() const override { return retained(application.keyWindow()); }
+    bool isModal() const override { return application.modalWindow() != nullptr; }
+    bool performKeyOfMainMenu(const NSEvent& event) override {
+        const auto menu = isModal() ? nullptr : application.mainMenu_;
+        return menu && menu->performKeyEquivalent(event);
+    }
+    std::shared_ptr<NSMenu> mainMenu() const override { return application.mainMenu_; }
+
+    NSApplication& application;
+};
+
+NSApplication::NSApplication() : link_(std::make_unique<Link>(*this)) {}
 NSApplication::~NSApplication() = default;
 
 NSApplication& NSApplication::sharedApplication() {
-    auto* installed = installation();
+    auto* const installed = installedSystem();
     if (!installed) throw std::logic_error("no window system is installed");
     return *installed->application;
 }
 
 void NSApplication::run() {
-    if (!terminating_) installation()->windowSystem.run();
+    if (!terminating_) installedSystem()->windowSystem.run();
     terminating_ = false;
 }
 
@@ -40,14 +69,14 @@ void NSApplication::terminate(NSObject*) {
     if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate(*this);
     wakeTracking();
     wakeModal();
-    installation()->windowSystem.stop();
+    installedSystem()->windowSystem.stop();
 }
 
 void NSApplication::setAppearance(std::optional<Appearance> appearance) {
-    installation()->windowSystem.setAppearance(appearance);
+    installedSystem()->windowSystem.setAppearance(appearance);
 }
 
-Appearance NSApplication::effectiveAppearance() const { return installation()->windowSystem.appearance(); }
+Appearance NSApplication::effectiveAppearance() const { return installedSystem()->windowSystem.appearance(); }
 
 NSWindow* NSApplication::keyWindow() const {
     const auto found = std::ranges::find_if(windows_, [](const auto& window) { return window->isKeyWindow(); });
@@ -62,6 +91,9 @@ void NSApplication::setMainMenu(const std::shared_ptr<NSMenu>& menu) {
     mainMenu_ = menu;
     const auto windows = windows_;
     for (const auto& window : windows) window->mainMenuChanged();
+    auto& system = installedSystem()->windowSystem;
+    if (!system.menusStandInWindows())
+        system.setMainMenu(menu ? menu->shownForAllWindows() : std::vector<port::MenuItem>());
 }
 
 bool NSApplication::sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender) {
@@ -118,13 +150,13 @@ bool NSApplication::deliver(NSWindow& window, const NSEvent& event) {
         wakeTracking();
         return true;
     }
-    auto& taken = installation()->eventWasTaken;
+    auto& taken = installedSystem()->eventWasTaken;
     const bool outer = std::exchange(taken, true);
     ++eventsInHand_;
     window.sendEvent(event);
     --eventsInHand_;
     // The platform may have gone in the meantime.
-    auto* installed = installation();
+    auto* const installed = installedSystem();
     const bool wasTaken = !installed || std::exchange(installed->eventWasTaken, outer);
     if (!tracking_) return wasTaken;
     // Whatever became of the events that were pulled, this one was taken.
@@ -149,7 +181,7 @@ std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask ma
     if (!tracking_) {
         tracking_ = std::make_unique<Tracking>();
         tracking_->events.swap(leftOver_);
-        tracking_->loop = installation()->windowSystem.beginTracking();
+        tracking_->loop = installedSystem()->windowSystem.beginTracking();
     }
     const auto cancellations = window.cancellations_;
     std::optional<NSEvent> event;
@@ -170,10 +202,11 @@ std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask ma
 int NSApplication::runModalForWindow(NSWindow& window) {
     const auto held = retained(&window);
     return runModal(
-        held, [&] { window.showModal(); }, [&] { return window.isVisible(); });
+        held, [&] { return window.showModal(); }, [&] { return window.isVisible(); });
 }
 
-int NSApplication::runModal(const std::shared_ptr<NSWindow>& window, const std::function<void()>& show,
+int NSApplication::runModal(const std::shared_ptr<NSWindow>& window,
+                            const std::function<std::unique_ptr<port::TrackingLoop>()>& begin,
                             const std::function<bool()>& isShown) {
     const auto held = retained(this);
     if (terminating_) return NSModalResponseAbort;
@@ -185,28 +218,22 @@ int NSApplication::runModal(const std::shared_ptr<NSWindow>& window, const std::
     const int eventsInHand = std::exchange(eventsInHand_, 0);
     const bool deliversLeftOver = std::exchange(deliversLeftOver_, false);
     auto leftOver = std::exchange(leftOver_, {});
-    if (tracking) tracking->loop->holdBack(false);
-
     const auto modal = std::make_shared<Modal>();
     modal->window = window;
-    modal->loop = installation()->windowSystem.beginTracking();
-    modal->loop->holdBack(false);
     modals_.push_back(modal);
-    show();
-    while (!modal->code && !terminating_ && isShown() && modal->loop->wait()) {
+    modal->loop = begin();
+    while (modal->loop && !modal->code && !terminating_ && isShown() && modal->loop->wait()) {
     }
     std::erase(modals_, modal);
+    modal->loop.reset();
 
-    if (installation()) {
+    if (installedSystem()) {
         tracking_ = std::move(tracking);
         eventsInHand_ = eventsInHand;
         deliversLeftOver_ = deliversLeftOver;
         leftOver.insert(leftOver.end(), leftOver_.begin(), leftOver_.end());
         leftOver_ = std::move(leftOver);
-        if (tracking_) {
-            tracking_->loop->holdBack(true);
-            wakeTracking();
-        }
+        wakeTracking();
     }
     return modal->code.value_or(NSModalResponseAbort);
 }
@@ -225,14 +252,21 @@ void NSApplication::beginSheet_modalForWindow_modalDelegate_didEndSelector_conte
                                                                                        NSWindow* window,
                                                                                        NSObject*, const SEL&,
                                                                                        void*) {
-    if (window) window->pressesEnd();
+    if (window) {
+        window->pressesEnd();
+    } else {
+        const auto windows = windows_;
+        for (const auto& each : windows)
+            if (each.get() != &sheet) each->cancelTracking();
+    }
     sheet.showAsSheet(window);
 }
 
 void NSApplication::endSheet(NSWindow& sheet) { sheet.endSheet(); }
 
 void NSApplication::wakeModal() {
-    for (const auto& modal : modals_) modal->loop->wake();
+    for (const auto& modal : modals_)
+        if (modal->loop) modal->loop->wake();
 }
 
 void NSApplication::wakeTracking() {
@@ -253,5 +287,26 @@ void NSApplication::endTracking() {
     }
     deliversLeftOver_ = false;
 }
+
+namespace port {
+
+ApplicationClient& install(WindowSystem& windowSystem) {
+    if (installedSystem()) throw std::logic_error("a window system is installed already");
+    installDrawing(&windowSystem);
+    setInstalledSystem(std::make_unique<InstalledSystem>(InstalledSystem{windowSystem}));
+    auto& system = *installedSystem();
+    system.application = make<NSApplication>();
+    system.router = system.application->link_.get();
+    return *system.application->link_;
+}
+
+void uninstall() {
+    if (!installedSystem()) return;
+    installedSystem()->application->link_->willEnd();
+    setInstalledSystem(nullptr);
+    installDrawing(nullptr);
+}
+
+} // namespace port
 
 } // namespace zr

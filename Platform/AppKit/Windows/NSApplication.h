@@ -16,8 +16,12 @@ class NSMenu;
 class NSWindow;
 
 namespace port {
+class ApplicationClient;
 class TrackingLoop;
-}
+class WindowSystem;
+ApplicationClient& install(WindowSystem& windowSystem);
+void uninstall();
+} // namespace port
 
 enum NSModalResponse : int { NSModalResponseStop = -1000, NSModalResponseAbort = -1001 };
 
@@ -90,10 +94,11 @@ public:
     bool sendAction_to_from(const SEL& action, NSObject* target, NSObject* sender);
 
 private:
-    friend class NSMenuItem;
-    friend class NSOpenPanel;
     friend class NSWindow;
-    friend struct Installation;
+    friend struct PanelSupport;
+    friend port::ApplicationClient& port::install(port::WindowSystem&);
+    friend void port::uninstall();
+    struct Link;
     void windowWasShown(NSWindow& window);
     void windowWasClosed(NSWindow& window);
     void closeAllWindows();
@@ -115,13 +120,15 @@ private:
     bool deliver(NSWindow& window, const NSEvent& event);
     std::optional<NSEvent> nextEvent(NSWindow& window, NSEventMask mask);
     std::optional<NSEvent> takeEvent(NSEventMask mask);
-    // A session for a window, or for none of ours, as long as it is shown.
-    int runModal(const std::shared_ptr<NSWindow>& window, const std::function<void()>& show,
+    // A session for a window, or for none of ours, from when `begin` shows it and as long as it is shown.
+    int runModal(const std::shared_ptr<NSWindow>& window,
+                 const std::function<std::unique_ptr<port::TrackingLoop>()>& begin,
                  const std::function<bool()>& isShown);
     void wakeTracking();
     void wakeModal();
     void endTracking();
 
+    std::unique_ptr<Link> link_; // to those below
     std::weak_ptr<NSApplicationDelegate> delegate_;
     std::vector<std::shared_ptr<NSWindow>> windows_;
     std::unique_ptr<Tracking> tracking_;

@@ -1,7 +1,6 @@
-#include <AppKit/NSApplication.h>
+#include "InstalledSystem.h"
+
 #include <AppKit/NSMenu.h>
-#include <AppKit/NSWindow.h>
-#include <WindowSystem/Windows.h>
 
 #include <algorithm>
 
@@ -24,21 +23,22 @@ bool NSMenuItem::initWithTitle_action_keyEquivalent(const std::string& title, co
     return true;
 }
 
-bool NSMenuItem::perform() { return performIn(NSApplication::sharedApplication().keyWindow()); }
+bool NSMenuItem::perform() {
+    return installedSystem() && performIn(installedSystem()->router->keyWindow().get());
+}
 
 bool NSMenuItem::performIn(NSWindow* window) {
     if (!enabled_ || action_.empty()) return false;
     const auto held = retained(this);
-    const auto taker = NSApplication::sharedApplication().takerOf(action_, target().get(), window);
+    const auto taker = installedSystem()->router->takerOf(action_, target().get(), window);
     return taker && taker->performSelector_withObject(action_, this);
 }
 
 // As its key equivalent would act, or not.
 bool NSMenuItem::canBeChosenIn(NSWindow* window) const {
     if (!enabled_ || submenu_) return enabled_;
-    auto& application = NSApplication::sharedApplication();
-    return !action_.empty() && !application.modalWindow() &&
-           application.takerOf(action_, target().get(), window) != nullptr;
+    auto& router = *installedSystem()->router;
+    return !action_.empty() && !router.isModal() && router.takerOf(action_, target().get(), window) != nullptr;
 }
 
 bool NSMenuItem::isPressedBy(const NSEvent& event) const {
@@ -69,19 +69,27 @@ std::shared_ptr<NSMenuItem> NSMenu::addItemWithTitle_action_keyEquivalent(const 
 }
 
 std::vector<port::MenuItem> NSMenu::shownIn(const std::weak_ptr<NSWindow>& window) const {
+    return shown([window] { return window.lock(); }, true);
+}
+
+std::vector<port::MenuItem> NSMenu::shownForAllWindows() const {
+    return shown([] { return installedSystem() ? installedSystem()->router->keyWindow() : nullptr; }, false);
+}
+
+std::vector<port::MenuItem> NSMenu::shown(const WindowNow& window, bool needsWindow) const {
     std::vector<port::MenuItem> result;
     for (const auto& item : items_) {
         port::MenuItem shown{.title = item->title(),
                              .key = item->keyEquivalent(),
                              .modifierFlags = item->keyEquivalentModifierMask(),
-                             .enabled = item->canBeChosenIn(window.lock().get()),
+                             .enabled = item->canBeChosenIn(window().get()),
                              .separator = item->isSeparatorItem()};
         if (const auto& submenu = item->submenu())
-            shown.submenu = [submenu, window] { return submenu->shownIn(window); };
+            shown.submenu = [submenu, window, needsWindow] { return submenu->shown(window, needsWindow); };
         else
-            shown.choose = [item, window] {
-                const auto held = window.lock();
-                if (held && item->canBeChosenIn(held.get())) item->performIn(held.get());
+            shown.choose = [item, window, needsWindow] {
+                const auto held = window();
+                if ((held || !needsWindow) && item->canBeChosenIn(held.get())) item->performIn(held.get());
             };
         result.push_back(std::move(shown));
     }

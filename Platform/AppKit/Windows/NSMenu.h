@@ -3,6 +3,7 @@
 #include <AppKit/NSEvent.h>
 #include <Foundation/NSObject.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@ namespace zr {
 
 class NSMenu;
 class NSWindow;
+class WindowBarsHolder;
 
 namespace port {
 struct MenuItem;
@@ -80,8 +82,12 @@ public:
     bool performKeyEquivalent(const NSEvent& event);
 
 private:
-    friend class NSWindow;
+    friend class NSApplication;
+    friend class WindowBarsHolder;
+    using WindowNow = std::function<std::shared_ptr<NSWindow>()>;
     std::vector<port::MenuItem> shownIn(const std::weak_ptr<NSWindow>& window) const;
+    std::vector<port::MenuItem> shownForAllWindows() const; // acts in the key window
+    std::vector<port::MenuItem> shown(const WindowNow& window, bool needsWindow) const;
 
     std::string title_;
     std::vector<std::shared_ptr<NSMenuItem>> items_;

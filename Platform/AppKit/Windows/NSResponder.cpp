@@ -1,4 +1,4 @@
-#include "Installation.h"
+#include "InstalledSystem.h"
 
 #include <AppKit/NSResponder.h>
 #include <Foundation/NSCoder.h>
@@ -14,7 +14,7 @@ void NSResponder::setNextResponder(NSResponder* responder) { nextResponder_ = re
 void NSResponder::passOn(void (NSResponder::*message)(const NSEvent&), const NSEvent& event) {
     if (const auto next = nextResponder_.lock())
         (next.get()->*message)(event);
-    else if (auto* installed = installation())
+    else if (auto* const installed = installedSystem())
         installed->eventWasTaken = false;
 }
 

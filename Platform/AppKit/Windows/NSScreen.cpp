@@ -1,4 +1,4 @@
-#include "Installation.h"
+#include "InstalledSystem.h"
 
 #include <AppKit/NSScreen.h>
 
@@ -11,19 +11,21 @@ NSScreen NSScreen::mainScreen() {
 
 std::vector<NSScreen> NSScreen::screens() {
     std::vector<NSScreen> result;
-    if (!installation()) return result;
-    const auto found = installation()->windowSystem.screens();
-    result.reserve(found.size());
-    for (const auto& [frame, visibleFrame] : found) {
-        const auto upwards = [bottom = found.front().frame.size.height](const CGRect& rect) {
-            return NSRect{{rect.origin.x, bottom - NSMaxY(rect)}, rect.size};
-        };
+    if (!installedSystem()) return result;
+    for (const auto& [frame, visibleFrame] : installedSystem()->windowSystem.screens()) {
         NSScreen screen;
-        screen.frame_ = upwards(frame);
-        screen.visibleFrame_ = upwards(visibleFrame);
+        screen.frame_ = turnedOver(frame);
+        screen.visibleFrame_ = turnedOver(visibleFrame);
         result.push_back(screen);
     }
     return result;
+}
+
+NSRect NSScreen::turnedOver(const NSRect& rect) {
+    const auto all =
+        installedSystem() ? installedSystem()->windowSystem.screens() : std::vector<port::Screen>();
+    const double height = all.empty() ? 0 : all.front().frame.size.height;
+    return {{rect.origin.x, height - NSMaxY(rect)}, rect.size};
 }
 
 } // namespace zr

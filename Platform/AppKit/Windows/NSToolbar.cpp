@@ -1,9 +1,8 @@
-#include <AppKit/NSApplication.h>
+#include "InstalledSystem.h"
+
 #include <AppKit/NSImage.h>
 #include <AppKit/NSToolbar.h>
-#include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
-#include <WindowSystem/Windows.h>
 
 #include <algorithm>
 
@@ -39,7 +38,7 @@ void NSToolbar::setDelegate(const std::weak_ptr<NSToolbarDelegate>& delegate) {
     delegate_ = delegate;
     items_.clear();
     loaded_ = false;
-    if (window_) tellPeer();
+    if (inWindow_) tellPeer();
 }
 
 const std::vector<std::shared_ptr<NSToolbarItem>>& NSToolbar::items() {
@@ -70,16 +69,16 @@ void NSToolbar::setSelectedItemIdentifier(const std::optional<NSToolbarItemIdent
     tellSelection();
 }
 
-void NSToolbar::windowChanged(NSWindow* window) {
-    window_ = window;
-    if (window) tellPeer();
+void NSToolbar::barsChanged(bool inWindow, port::WindowBars* bars) {
+    inWindow_ = inWindow;
+    bars_ = bars;
+    if (inWindow) tellPeer();
 }
 
 void NSToolbar::tellPeer() {
     using Kind = port::ToolbarItem::Kind;
     loadItems();
-    auto* const peer = window_ ? window_->peer_.get() : nullptr;
-    if (!peer) return;
+    if (!bars_) return;
     std::vector<port::ToolbarItem> items;
     for (const auto& item : items_) {
         port::ToolbarItem shown;
@@ -92,16 +91,15 @@ void NSToolbar::tellPeer() {
         }
         items.push_back(std::move(shown));
     }
-    peer->setToolbar(items, client_.get());
+    bars_->setToolbar(items, client_.get());
     tellSelection();
 }
 
 void NSToolbar::tellSelection() {
-    auto* const peer = window_ ? window_->peer_.get() : nullptr;
-    if (!peer) return;
+    if (!bars_) return;
     const auto found = std::ranges::find_if(
         items_, [this](const auto& item) { return selected_ && item->itemIdentifier() == *selected_; });
-    peer->selectToolbarItem(
+    bars_->selectToolbarItem(
         found == items_.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - items_.begin())));
 }
 
@@ -112,8 +110,9 @@ void NSToolbar::clicked(std::size_t index) {
     if (std::ranges::find(selectable_, item->itemIdentifier()) != selectable_.end())
         setSelectedItemIdentifier(item->itemIdentifier());
     if (item->action().empty()) return;
-    const auto target = item->target();
-    NSApplication::sharedApplication().sendAction_to_from(item->action(), target.get(), item.get());
+    auto& router = *installedSystem()->router;
+    const auto taker = router.takerOf(item->action(), item->target().get(), router.keyWindow().get());
+    if (taker) taker->performSelector_withObject(item->action(), item.get());
 }
 
 } // namespace zr

@@ -11,7 +11,11 @@ namespace zr {
 
 class NSImage;
 class NSToolbar;
-class NSWindow;
+class WindowBarsHolder;
+
+namespace port {
+class WindowBars;
+}
 
 using NSToolbarItemIdentifier = std::string;
 // Made by the toolbar itself.
@@ -80,9 +84,10 @@ public:
     void setSelectedItemIdentifier(const std::optional<NSToolbarItemIdentifier>& identifier);
 
 private:
-    friend class NSWindow;
+    friend class WindowBarsHolder;
     struct Client;
-    void windowChanged(NSWindow* window); // null: none
+    void barsChanged(bool inWindow, port::WindowBars* bars); // null: the window shows none
+    void barsLeft() { bars_ = nullptr; }
     void loadItems();
     void tellPeer();
     void tellSelection();
@@ -93,8 +98,9 @@ private:
     std::vector<std::shared_ptr<NSToolbarItem>> items_;
     std::optional<NSToolbarItemIdentifier> selected_;
     std::vector<NSToolbarItemIdentifier> selectable_;
-    NSWindow* window_ = nullptr; // which clears it
+    port::WindowBars* bars_ = nullptr; // the window's, which clears it
     std::unique_ptr<Client> client_;
+    bool inWindow_ = false;
     bool loaded_ = false;
 };
 

@@ -1,8 +1,8 @@
-#include "Installation.h"
+#include "InstalledSystem.h"
+#include "ViewHost.h"
 
 #include <AppKit/NSGraphicsContext.h>
 #include <AppKit/NSView.h>
-#include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
 
 #include <algorithm>
@@ -20,9 +20,14 @@ struct NSView::Client final : port::ViewClient {
         view.displayInCanvas(canvas, NSIntersectionRect(own, view.bounds()));
     }
     bool peerDrawsUpwards() const override { return !view.isFlipped(); }
+    bool peerTakesFocusByPress() const override { return view.acceptsFirstResponder(); }
+    bool peerMayTakeFocus() override {
+        const auto held = retained(&view);
+        return view.host_ && view.host_->mayTakeFocus(view);
+    }
     void peerFocusChanged(bool focused) override {
         const auto held = retained(&view);
-        if (focused && view.window_ && view.acceptsFirstResponder()) view.window_->peerFocused(view);
+        if (focused && view.host_) view.host_->focusConfirmed(view);
     }
     void peerGone() override { view.unrealise(); }
 
@@ -72,6 +77,8 @@ void NSView::setBoundsOrigin(const NSPoint& origin) {
     for (const auto& subview : subviews_) subview->placePeer();
 }
 
+NSWindow* NSView::window() const { return host_ ? &host_->window() : nullptr; }
+
 void NSView::addSubview(const std::shared_ptr<NSView>& view) {
     if (!view || isDescendantOf(*view)) return;
     if (view->superview_ == this) {
@@ -84,8 +91,8 @@ void NSView::addSubview(const std::shared_ptr<NSView>& view) {
     subviews_.push_back(view);
     view->superview_ = this;
     view->setNextResponder(this);
-    view->moveToWindow(window_);
-    if (peer_) view->realise(installation()->windowSystem, *peer_);
+    view->moveToWindow(host_);
+    if (peer_) view->realise(installedSystem()->windowSystem, *peer_);
     setNeedsLayout(true);
     view->setNeedsLayout(view->needsLayout_);
     view->setNeedsDisplay(true);
@@ -94,7 +101,7 @@ void NSView::addSubview(const std::shared_ptr<NSView>& view) {
 void NSView::removeFromSuperview() {
     if (!superview_) return;
     const auto held = retained(this);
-    if (window_) window_->viewWillLeave(*this);
+    if (host_) host_->viewWillLeave(*this);
     NSView* const superview = superview_; // after what others did in the meantime
     if (!superview) return;
     unrealise();
@@ -105,12 +112,12 @@ void NSView::removeFromSuperview() {
     superview->setNeedsDisplay(true);
 }
 
-void NSView::moveToWindow(NSWindow* window) {
-    if (window == window_) return;
-    window_ = window;
+void NSView::moveToWindow(ViewHost* host) {
+    if (host == host_) return;
+    host_ = host;
     viewDidMoveToWindow();
     const auto subviews = subviews_;
-    for (const auto& subview : subviews) subview->moveToWindow(window);
+    for (const auto& subview : subviews) subview->moveToWindow(host);
 }
 
 bool NSView::isDescendantOf(const NSView& view) const {
@@ -122,7 +129,7 @@ bool NSView::isDescendantOf(const NSView& view) const {
 void NSView::setHidden(bool hidden) {
     if (hidden == hidden_) return;
     hidden_ = hidden;
-    if (hidden && window_) window_->viewWillLeave(*this);
+    if (hidden && host_) host_->viewWillLeave(*this);
     if (peer_) peer_->setHidden(hidden);
     if (!hidden) setNeedsDisplay(true);
 }
@@ -242,7 +249,7 @@ void NSView::displayInCanvas(port::Canvas& canvas, const NSRect& dirty) {
 
 void NSView::setNeedsLayout(bool flag) {
     needsLayout_ = flag;
-    if (flag && window_) window_->scheduleUpdate();
+    if (flag && host_) host_->scheduleUpdate();
 }
 
 void NSView::layoutSubtreeIfNeeded() {

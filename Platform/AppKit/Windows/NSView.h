@@ -10,6 +10,7 @@
 namespace zr {
 
 class NSWindow;
+class ViewHost;
 
 namespace port {
 class Canvas;
@@ -52,7 +53,7 @@ public:
     virtual bool isFlipped() const { return false; }
 
     NSView* superview() const { return superview_; }
-    NSWindow* window() const { return window_; }
+    NSWindow* window() const;
     const std::vector<std::shared_ptr<NSView>>& subviews() const { return subviews_; }
     // In front of its siblings. A view that stands elsewhere is moved. Ignored where it would contain itself.
     void addSubview(const std::shared_ptr<NSView>& view);
@@ -100,9 +101,7 @@ public:
     NSView* nextKeyView() const { return nextKeyView_.lock().get(); }
     void setNextKeyView(const std::shared_ptr<NSView>& view) { nextKeyView_ = view; }
     // Visible, and wants the keyboard.
-    bool canBecomeKeyView() const {
-        return acceptsFirstResponder() && window_ && !isHiddenOrHasHiddenAncestor();
-    }
+    bool canBecomeKeyView() const { return acceptsFirstResponder() && host_ && !isHiddenOrHasHiddenAncestor(); }
     // Whether people come to it to type or to choose with the keys, as to fields and lists. False.
     virtual bool needsPanelToBecomeKey() const { return false; }
     // Whether a view at or below this one acts on the key, whatever has the keyboard.
@@ -134,7 +133,7 @@ private:
     NSPoint pointToWindow(NSPoint point) const;
     NSPoint pointFromWindow(NSPoint point) const;
     bool superviewIsFlipped() const { return superview_ && superview_->isFlipped(); }
-    void moveToWindow(NSWindow* window);
+    void moveToWindow(ViewHost* host);
     void realise(port::PeerFactory& factory, port::ViewPeer& parent);
     void realiseAsContent(port::PeerFactory& factory, port::WindowPeer& window);
     void adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPeer> peer);
@@ -145,7 +144,7 @@ private:
     NSRect frame_;
     NSPoint boundsOrigin_;
     NSView* superview_ = nullptr; // cleared by the superview
-    NSWindow* window_ = nullptr;  // cleared by the window
+    ViewHost* host_ = nullptr;    // the window; cleared by it
     std::vector<std::shared_ptr<NSView>> subviews_;
     std::unique_ptr<Client> client_;
     std::unique_ptr<port::ViewPeer> peer_;

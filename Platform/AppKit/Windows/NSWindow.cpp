@@ -1,15 +1,17 @@
-#include "Installation.h"
+#include "InstalledSystem.h"
+#include "ViewHost.h"
+#include "WindowBarsHolder.h"
+#include "WindowFocus.h"
+#include "WindowFrame.h"
+#include "WindowMouse.h"
+#include "WindowSheet.h"
 
 #include <AppKit/NSApplication.h>
-#include <AppKit/NSMenu.h>
-#include <AppKit/NSScreen.h>
-#include <AppKit/NSToolbar.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
 
-#include <algorithm>
-#include <set>
+#include <type_traits>
 #include <utility>
 
 namespace zr {
@@ -18,66 +20,91 @@ ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("perfo
                .outlets = {outletNamed<&NSWindow::setDelegate>("delegate"),
                            outletNamed<&NSWindow::setInitialFirstResponder>("initialFirstResponder")})
 
-struct NSWindow::Client final : port::WindowClient {
-    explicit Client(NSWindow& owner) : window(owner) {}
+// What the window system, the views and the window's parts see of it.
+struct NSWindow::Client final : port::WindowClient, ViewHost, WindowFrame::Owner, WindowFocus::Owner {
+    explicit Client(NSWindow& owner) : self(owner) {}
 
+    // Whoever is called may let go of the window.
+    template <class Act>
+    auto holding(const Act& act) {
+        const auto held = retained(&self);
+        if constexpr (std::is_member_function_pointer_v<Act>)
+            return (self.*act)();
+        else
+            return act();
+    }
+
+    // The window system's
     bool peerEvent(const InputEvent& event) override {
-        return NSApplication::sharedApplication().deliver(window, NSEvent(event, window.contentSize_.height));
+        return NSApplication::sharedApplication().deliver(self, NSEvent(event, self.contentSize().height));
     }
     void peerContentResized(CGSize size) override {
-        const auto held = retained(&window);
-        window.contentResized(size);
+        holding([&] { self.frame_->resized(size); });
     }
-    void peerUpdate() override {
-        const auto held = retained(&window);
-        window.update();
-    }
-    bool peerShouldClose() override {
-        const auto held = retained(&window);
-        return window.shouldClose();
-    }
-    void peerClosed() override {
-        const auto held = retained(&window);
-        window.wasClosed();
-    }
+    void peerUpdate() override { holding(&NSWindow::update); }
+    bool peerShouldClose() override { return self.shouldClose(); }
+    void peerClosed() override { self.wasClosed(); }
     void peerKeyChanged(bool key) override {
-        const auto held = retained(&window);
-        window.keyChanged(key);
+        holding([&] { self.keyChanged(key); });
     }
     void peerMoved() override {
-        const auto held = retained(&window);
-        window.peerMoved();
+        holding([&] { self.frame_->moved(); });
     }
-    void peerBlocked() override { window.cancelTracking(); }
-    void peerGone() override {
-        const auto held = retained(&window);
-        window.wentAway();
-    }
-    void peerShown() override {
-        const auto held = retained(&window);
-        window.wasShown();
-    }
-    void peerHidden() override {
-        const auto held = retained(&window);
-        window.wasHidden();
-    }
-    void peerRetitled(const std::string& title) override { window.title_ = title; }
+    void peerBlocked() override { self.cancelTracking(); }
+    void peerGone() override { holding(&NSWindow::wentAway); }
+    void peerShown() override { holding(&NSWindow::wasShown); }
+    void peerHidden() override { holding(&NSWindow::wasHidden); }
+    void peerRetitled(const std::string& title) override { self.title_ = title; }
     void peerFocusLeft() override {
-        const auto held = retained(&window);
-        window.focusLeft();
+        holding([&] { self.focus_->left(); });
     }
 
-    NSWindow& window;
+    // The views'
+    NSWindow& window() override { return self; }
+    void scheduleUpdate() override { self.scheduleUpdate(); }
+    void viewWillLeave(NSView& view) override {
+        holding([&] {
+            self.focus_->viewLeaves(view);
+            if (self.mouse_->viewLeaves(view)) self.cancelTracking();
+        });
+    }
+    bool mayTakeFocus(NSView& view) override {
+        return holding([&] { return self.closing_ || self.focus_->take(view); });
+    }
+    void focusConfirmed(NSView& view) override {
+        holding([&] {
+            if (!self.closing_) self.focus_->confirm(view);
+        });
+    }
+
+    // The parts'
+    port::WindowPeer* peer() override { return self.peer_.get(); }
+    double usualInset() override { return self.usualInset(); }
+    void frameMoved() override { self.didMove(); }
+    void contentResized() override { self.didResize(); }
+    NSResponder& asResponder() override { return self; }
+    NSView& content() override { return *self.contentView_; }
+    bool isHere(const NSView& view) override { return view.host_ == this; }
+    void giveKeyboard(NSView& view) override {
+        if (view.peer_) view.peer_->focus();
+    }
+
+    NSWindow& self;
 };
 
-NSWindow::NSWindow() = default;
+NSWindow::NSWindow()
+    : client_(std::make_unique<Client>(*this))
+    , frame_(std::make_unique<WindowFrame>(*client_))
+    , focus_(std::make_unique<WindowFocus>(*client_))
+    , mouse_(std::make_unique<WindowMouse>(*focus_))
+    , sheet_(std::make_unique<WindowSheet>())
+    , bars_(std::make_unique<WindowBarsHolder>()) {}
 NSWindow::~NSWindow() = default;
 
 bool NSWindow::initWithContentRect_styleMask_backing_defer(const NSRect& contentRect, unsigned styleMask,
                                                            NSBackingStoreType, bool) {
-    contentSize_ = contentRect.size;
     styleMask_ = styleMask;
-    topLeft_ = {contentRect.origin.x, NSMaxY(contentRect) + topInset()};
+    frame_->begin(contentRect);
     setContentView(nullptr);
     return true;
 }
@@ -88,27 +115,21 @@ bool NSWindow::initWithCoder(NSCoder& coder) {
             coder.decodeRectForKey("NSWindowRect").value_or(NSZeroRect), mask, NSBackingStoreBuffered, false))
         return false;
     title_ = coder.decodeStringForKey("NSWindowTitle").value_or("");
-    contentMinSize_ = coder.decodeSizeForKey("NSWindowContentMinSize").value_or(contentMinSize_);
-    contentMaxSize_ = coder.decodeSizeForKey("NSWindowContentMaxSize").value_or(contentMaxSize_);
+    frame_->setContentLimits(coder.decodeSizeForKey("NSWindowContentMinSize").value_or(contentMinSize()),
+                             coder.decodeSizeForKey("NSWindowContentMaxSize").value_or(contentMaxSize()));
     return true;
-}
-
-bool NSWindow::init() {
-    return initWithContentRect_styleMask_backing_defer(NSZeroRect, 0, NSBackingStoreBuffered, false);
 }
 
 bool NSWindow::initWithForeignPeer(const PeerMaker& makePeer, const std::shared_ptr<NSView>& content,
                                    const NSSize& contentSize, const std::string& title) {
-    if (!installation()) return false;
+    if (!installedSystem()) return false;
     foreign_ = true;
     title_ = title;
-    contentSize_ = contentSize;
+    frame_->begin(contentSize);
     setContentView(content);
-    client_ = std::make_unique<Client>(*this);
     peer_ = makePeer(*client_);
-    const CGPoint topLeft = peer_->frameTopLeft();
-    topLeft_ = {topLeft.x, NSScreen::mainScreen().frame().size.height - topLeft.y};
-    contentView_->realiseAsContent(installation()->windowSystem, *peer_);
+    frame_->beginAtPeer();
+    contentView_->realiseAsContent(installedSystem()->windowSystem, *peer_);
     return true;
 }
 
@@ -130,230 +151,155 @@ void NSWindow::setContentView(const std::shared_ptr<NSView>& view) {
     const auto next = view ? view : make<NSView>(NSRect{});
     next->removeFromSuperview();
     if (old) {
-        viewWillLeave(*old);
+        client_->viewWillLeave(*old);
         old->unrealise();
         old->setNextResponder(nullptr);
         old->moveToWindow(nullptr);
     }
     contentView_ = next;
     next->setNextResponder(this);
-    next->setFrame({NSZeroPoint, contentSize_});
-    next->moveToWindow(this);
-    if (peer_) next->realiseAsContent(installation()->windowSystem, *peer_);
+    next->setFrame({NSZeroPoint, contentSize()});
+    next->moveToWindow(client_.get());
+    if (peer_) next->realiseAsContent(installedSystem()->windowSystem, *peer_);
     next->setNeedsLayout(true);
     next->setNeedsDisplay(true);
 }
 
+// Place and size
+
+const NSSize& NSWindow::contentSize() const { return frame_->contentSize(); }
+const NSSize& NSWindow::contentMinSize() const { return frame_->contentMinSize(); }
+const NSSize& NSWindow::contentMaxSize() const { return frame_->contentMaxSize(); }
+
 void NSWindow::setContentSize(const NSSize& size) {
     const auto held = retained(this);
-    const NSSize limited = {std::min(std::max(size.width, contentMinSize_.width), contentMaxSize_.width),
-                            std::min(std::max(size.height, contentMinSize_.height), contentMaxSize_.height)};
-    contentResized(peer_ ? peer_->setContentSize(limited) : limited);
+    frame_->setContentSize(size);
 }
 
-void NSWindow::setContentMinSize(const NSSize& size) {
-    contentMinSize_ = size;
-    if (peer_) peer_->setContentLimits(contentMinSize_, contentMaxSize_);
-}
-
-void NSWindow::setContentMaxSize(const NSSize& size) {
-    contentMaxSize_ = size;
-    if (peer_) peer_->setContentLimits(contentMinSize_, contentMaxSize_);
-}
-
-void NSWindow::contentResized(const NSSize& size) {
-    if (size == contentSize_) return;
-    contentSize_ = size;
-    const auto content = contentView_;
-    content->setFrame({NSZeroPoint, size});
-    update();
-    didResize();
-}
+void NSWindow::setContentMinSize(const NSSize& size) { frame_->setContentLimits(size, contentMaxSize()); }
+void NSWindow::setContentMaxSize(const NSSize& size) { frame_->setContentLimits(contentMinSize(), size); }
 
 void NSWindow::didResize() {
-    if (const auto delegate = this->delegate()) delegate->windowDidResize(*this);
-    NSNotificationCenter::defaultCenter().postNotificationName_object(NSWindowDidResizeNotification, this);
+    const auto content = contentView_;
+    content->setFrame({NSZeroPoint, contentSize()});
+    update();
+    tell(&NSWindowDelegate::windowDidResize, NSWindowDidResizeNotification);
 }
 
-void NSWindow::didMove() {
-    if (const auto delegate = this->delegate()) delegate->windowDidMove(*this);
-    NSNotificationCenter::defaultCenter().postNotificationName_object(NSWindowDidMoveNotification, this);
+void NSWindow::didMove() { tell(&NSWindowDelegate::windowDidMove, NSWindowDidMoveNotification); }
+
+void NSWindow::tell(void (NSWindowDelegate::*message)(NSWindow&), const NSNotificationName& name) {
+    if (const auto delegate = this->delegate()) (delegate.get()->*message)(*this);
+    NSNotificationCenter::defaultCenter().postNotificationName_object(name, this);
 }
 
-void NSWindow::peerMoved() {
-    const NSPoint topLeft = peer_->frameTopLeft();
-    topLeft_ = {topLeft.x, NSScreen::mainScreen().frame().size.height - topLeft.y};
-    didMove();
+double NSWindow::usualInset() const {
+    return bars_->usualInset(has(NSWindowStyleMaskTitled), mayHaveMenuBar());
 }
 
-double NSWindow::topInset() const {
-    if (peer_) return peer_->topInset();
-    constexpr double kUsualTitleBar = 22, kUsualMenuBar = 24, kUsualToolbar = 56;
-    return ((styleMask_ & NSWindowStyleMaskTitled) != 0 ? kUsualTitleBar : 0) +
-           (mayHaveMenuBar() ? kUsualMenuBar : 0) + (toolbar_ ? kUsualToolbar : 0);
-}
-
-bool NSWindow::mayHaveMenuBar() const {
-    constexpr unsigned kNeeded = NSWindowStyleMaskTitled | NSWindowStyleMaskMiniaturizable;
-    return !foreign_ && !auxiliary_ && (styleMask_ & kNeeded) == kNeeded && installation() &&
-           NSApplication::sharedApplication().mainMenu();
-}
-
-void NSWindow::setMenuBar(bool shown) {
-    shown = shown && mayHaveMenuBar();
-    if (!peer_ || shown == std::exchange(hasMenuBar_, shown)) return;
-    const auto menu = NSApplication::sharedApplication().mainMenu();
-    peer_->setMenuBar(shown ? menu->shownIn(retained(this)) : std::vector<port::MenuItem>());
-}
-
-void NSWindow::mainMenuChanged() {
-    const auto held = retained(this);
-    const bool shown = visible_ && !isSheet_ && NSApplication::sharedApplication().modalWindow() != this;
-    setMenuBar(false);
-    setMenuBar(shown);
-}
-
-NSRect NSWindow::frame() const {
-    return frameRectForContentRect({{topLeft_.x, topLeft_.y - topInset() - contentSize_.height}, contentSize_});
-}
-
-NSRect NSWindow::frameRectForContentRect(const NSRect& content) const {
-    return {content.origin, {content.size.width, content.size.height + topInset()}};
-}
-
-void NSWindow::placePeer() {
-    if (peer_ && placed_)
-        peer_->setFrameTopLeft({topLeft_.x, NSScreen::mainScreen().frame().size.height - topLeft_.y});
-}
-
-// As much of the title bar is on a screen as a hand can take hold of.
-void NSWindow::keepWithinReach() {
-    if (!placed_ || foreign_ || (styleMask_ & NSWindowStyleMaskTitled) == 0) return;
-    constexpr double kHeight = 22, kWidth = 60;
-    const NSRect frame = this->frame();
-    const double width = std::min(kWidth, frame.size.width), top = NSMaxY(frame);
-    const auto screens = NSScreen::screens();
-    for (const auto& screen : screens) {
-        const NSRect visible = screen.visibleFrame();
-        if (top <= NSMaxY(visible) && top - kHeight >= NSMinY(visible) &&
-            NSMaxX(frame) - width >= NSMinX(visible) && NSMinX(frame) + width <= NSMaxX(visible))
-            return;
-    }
-    if (screens.empty()) return;
-    const NSRect visible = screens.front().visibleFrame();
-    setFrameTopLeftPoint(
-        {std::max(NSMinX(visible), std::min(NSMinX(frame), NSMaxX(visible) - frame.size.width)),
-         std::min(NSMaxY(visible), std::max(top, NSMinY(visible) + frame.size.height))});
-}
+NSRect NSWindow::frame() const { return frame_->rect(); }
+NSRect NSWindow::frameRectForContentRect(const NSRect& content) const { return frame_->aroundContent(content); }
 
 void NSWindow::setFrame_display_animate(const NSRect& frame, bool, bool) {
     const auto held = retained(this);
-    setFrameTopLeftPoint({frame.origin.x, NSMaxY(frame)});
-    const NSSize size = {frame.size.width, std::max(0.0, frame.size.height - topInset())};
-    contentResized(peer_ ? peer_->setContentSize(size) : size);
+    frame_->setRect(frame);
 }
 
 void NSWindow::setFrameTopLeftPoint(const NSPoint& point) {
     const auto held = retained(this);
-    placed_ = true;
-    // Window systems are off by their borders now and then: what stays is left alone.
-    if (point == topLeft_) return;
-    topLeft_ = point;
-    placePeer();
-    if (!peer_) didMove();
+    frame_->setTopLeft(point);
 }
 
-void NSWindow::setToolbar(const std::shared_ptr<NSToolbar>& toolbar) {
-    if (toolbar == toolbar_) return;
-    if (toolbar_) toolbar_->windowChanged(nullptr);
-    toolbar_ = toolbar;
-    if (toolbar)
-        toolbar->windowChanged(this);
-    else if (peer_)
-        peer_->setToolbar({}, nullptr);
+NSRect NSWindow::convertRectToScreen(const NSRect& rect) const {
+    const NSPoint corner = frame_->contentOnScreen().origin;
+    return NSOffsetRect(rect, corner.x, corner.y);
 }
+
+double NSWindow::backingScaleFactor() const { return peer_ ? peer_->backingScale() : 1; }
+
+// Bars
+
+const std::shared_ptr<NSToolbar>& NSWindow::toolbar() const { return bars_->toolbar(); }
+void NSWindow::setToolbar(const std::shared_ptr<NSToolbar>& toolbar) { bars_->setToolbar(toolbar); }
+
+bool NSWindow::mayHaveMenuBar() const {
+    return !foreign_ && !auxiliary_ && has(NSWindowStyleMaskTitled) && has(NSWindowStyleMaskMiniaturizable) &&
+           WindowBarsHolder::mainMenuStandsInWindows();
+}
+
+void NSWindow::setMenuBar(bool shown) { bars_->showMainMenu(shown && mayHaveMenuBar(), retained(this)); }
+
+void NSWindow::mainMenuChanged() {
+    const auto held = retained(this);
+    const bool shown = visible_ && !isSheet() && NSApplication::sharedApplication().modalWindow() != this;
+    setMenuBar(false);
+    setMenuBar(shown);
+}
+
+// Coming and going
 
 void NSWindow::realise(bool withMenuBar) {
     if (peer_) {
         setMenuBar(withMenuBar);
         return;
     }
-    auto& system = installation()->windowSystem;
-    client_ = std::make_unique<Client>(*this);
-    const auto has = [this](NSWindowStyleMask bit) { return (styleMask_ & bit) != 0; };
-    peer_ = system.makeWindow(*client_, contentSize_,
+    auto& system = installedSystem()->windowSystem;
+    peer_ = system.makeWindow(*client_, contentSize(),
                               {has(NSWindowStyleMaskTitled), has(NSWindowStyleMaskClosable),
                                has(NSWindowStyleMaskMiniaturizable), has(NSWindowStyleMaskResizable)});
     peer_->setTitle(title_);
-    peer_->setContentLimits(contentMinSize_, contentMaxSize_);
+    peer_->setContentLimits(contentMinSize(), contentMaxSize());
     contentView_->realiseAsContent(system, *peer_);
-    if (toolbar_) toolbar_->windowChanged(this);
+    bars_->setBars(peer_->bars());
     setMenuBar(withMenuBar);
-    placePeer();
-    focusFirstResponder();
+    frame_->place();
+    focus_->show();
 }
 
 void NSWindow::unrealise() {
     if (!peer_) return;
     contentView_->unrealise();
+    bars_->setBars(nullptr);
+    sheet_->hidden();
     peer_.reset();
-    hasMenuBar_ = false;
     updateScheduled_ = false;
 }
 
 void NSWindow::show(bool activate) {
-    if (!installation() || (foreign_ && !peer_)) return;
+    if (!installedSystem() || (foreign_ && !peer_)) return;
     const auto held = retained(this);
     wasShown();
     realise(true);
-    keepWithinReach();
+    if (!foreign_ && has(NSWindowStyleMaskTitled)) frame_->keepWithinReach();
     if (peer_) peer_->show(activate);
 }
 
-void NSWindow::showModal() {
-    if (!installation()) return;
+std::unique_ptr<port::TrackingLoop> NSWindow::showModal() {
+    if (!installedSystem()) return nullptr;
     wasShown();
     realise(false);
-    peer_->showModal();
+    return installedSystem()->windowSystem.beginModal(*peer_);
 }
 
 void NSWindow::showAsSheet(NSWindow* parent) {
-    if (!installation()) return;
+    if (!installedSystem()) return;
     // A second sheet stands over the first.
     while (parent && parent->attachedSheet()) parent = parent->attachedSheet();
     if (parent == this) return;
     wasShown();
     realise(false);
-    isSheet_ = true;
-    sheetParent_ = retained(parent);
-    if (parent) parent->attachedSheet_ = retained(this);
-    if (parent && parent->peer_)
-        peer_->showAsSheet(*parent->peer_);
-    else
-        peer_->showModal();
+    sheet_->begin(retained(this), retained(parent), parent ? parent->sheet_.get() : nullptr);
+    sheet_->show(installedSystem()->windowSystem, *peer_, parent ? parent->peer_.get() : nullptr);
 }
 
 void NSWindow::endSheet() {
-    if (!isSheet_) return;
-    isSheet_ = false;
-    if (const auto parent = sheetParent_.lock()) parent->attachedSheet_.reset();
-    sheetParent_.reset();
-    if (peer_) peer_->endSheet();
+    if (!isSheet()) return;
+    const auto parent = sheet_->parent();
+    sheet_->end(peer_.get(), parent ? parent->sheet_.get() : nullptr);
 }
 
-// A view that is pressed gets its release now, unless it, or another, is handling an event: then none.
-void NSWindow::pressesEnd() {
-    const auto held = retained(this);
-    const auto left = leftPressed_.lock();
-    if (left) pressWasEnded_ = true;
-    for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) pressed->reset();
-    cancelTracking();
-    if (!left || NSApplication::sharedApplication().eventsInHand_ != 0) return;
-    InputEvent release;
-    release.type = NSEventTypeLeftMouseUp;
-    release.location = {lastPress_.x, contentSize_.height - lastPress_.y};
-    left->mouseUp(NSEvent(release, contentSize_.height));
-}
+bool NSWindow::isSheet() const { return sheet_->isSheet(); }
+NSWindow* NSWindow::attachedSheet() const { return sheet_->attached().get(); }
 
 void NSWindow::wasShown() {
     NSApplication::sharedApplication().windowWasShown(*this);
@@ -361,19 +307,8 @@ void NSWindow::wasShown() {
     contentView_->layoutSubtreeIfNeeded();
     open_ = true;
     visible_ = true;
-    if (std::exchange(wasEverShown_, true) || firstResponder() != this) return;
-    if (auto* const view = initialFirstResponder()) {
-        makeFirstResponder(view);
-        return;
-    }
-    const auto views = keyViews();
-    const auto first =
-        std::ranges::find_if(views, [](const auto& view) { return view->needsPanelToBecomeKey(); });
-    if (first != views.end()) makeFirstResponder(first->get());
+    if (!std::exchange(wasEverShown_, true)) focus_->begin();
 }
-
-void NSWindow::makeKeyAndOrderFront(NSObject*) { show(true); }
-void NSWindow::orderFront(NSObject*) { show(false); }
 
 void NSWindow::orderOut(NSObject*) {
     endSheet();
@@ -384,9 +319,9 @@ void NSWindow::orderOut(NSObject*) {
 
 void NSWindow::performClose(NSObject*) {
     // A sheet and its window are one to the user.
-    if (const auto parent = sheetParent_.lock())
+    if (const auto parent = sheet_->parent())
         parent->performClose(this);
-    else if ((foreign_ || (styleMask_ & NSWindowStyleMaskClosable) != 0) && shouldClose())
+    else if ((foreign_ || has(NSWindowStyleMaskClosable)) && shouldClose())
         close();
 }
 
@@ -410,13 +345,13 @@ void NSWindow::wasClosed() {
     cancelTracking();
     if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
     visible_ = false;
-    if (const auto sheet = attachedSheet_.lock()) sheet->close();
+    if (const auto sheet = sheet_->attached()) sheet->close();
     endSheet();
     keyChanged(false);
     if (!foreign_) unrealise();
     open_ = false;
     closing_ = false;
-    if (installation()) NSApplication::sharedApplication().windowWasClosed(*this);
+    if (installedSystem()) NSApplication::sharedApplication().windowWasClosed(*this);
 }
 
 void NSWindow::wasHidden() {
@@ -425,279 +360,70 @@ void NSWindow::wasHidden() {
     keyChanged(false);
 }
 
-void NSWindow::wentAway() {
-    wasClosed();
-    unrealise();
-}
+// Keyboard and pointer
 
-NSResponder* NSWindow::firstResponder() const {
-    const auto first = firstResponder_.lock();
-    return first ? first.get() : const_cast<NSWindow*>(this);
-}
+NSResponder* NSWindow::firstResponder() const { return &focus_->first(); }
 
 bool NSWindow::makeFirstResponder(NSResponder* responder) {
-    const auto self = retained(this);
-    const auto held = retained(responder);
-    const auto old = retained(firstResponder());
-    NSResponder* wanted = responder ? responder : this;
-    if (wanted == old.get()) return true;
-    if (old && old.get() != this && !old->resignFirstResponder()) return false;
-    firstResponder_.reset();
-    // It may have left while the other one was asked.
-    if (const auto* view = dynamic_cast<NSView*>(wanted); view && view->window() != this) wanted = this;
-    const bool taken = wanted != this && wanted->becomeFirstResponder();
-    firstResponder_ = taken ? retained(wanted) : nullptr;
-    focusFirstResponder();
-    return true;
+    const auto held = retained(this);
+    return focus_->makeFirst(responder);
 }
 
-// The window system's focus follows: with the content where the window itself is first responder.
-void NSWindow::focusFirstResponder() {
-    auto* const first = dynamic_cast<NSView*>(firstResponder());
-    NSView* const view = first ? first : contentView_.get();
-    if (view->peer_) view->peer_->focus();
-}
-
-void NSWindow::peerFocused(NSView& view) {
-    const auto self = retained(this);
-    if (closing_ || firstResponder() == &view) return;
-    if (!makeFirstResponder(&view)) focusFirstResponder();
-}
-
-// The focus is where its owner wants it: nothing is to be focused here, and nobody is asked.
-void NSWindow::focusLeft() {
-    const auto self = retained(this);
-    const auto first = firstResponder_.lock();
-    firstResponder_.reset();
-    auto* const view = dynamic_cast<NSView*>(first.get());
-    const bool ended = view && view->endEditingUnasked(false);
-    if (first && !ended) first->resignFirstResponder();
-}
-
-void NSWindow::recalculateKeyViewLoop() {
-    struct Place {
-        std::shared_ptr<NSView> view;
-        NSPoint topLeft;
-    };
-    std::vector<Place> places;
-    const auto collect = [&](const auto& self, NSView& view) -> void {
-        const NSRect frame = view.convertRect_toView(view.bounds(), nullptr);
-        places.push_back(
-            {std::static_pointer_cast<NSView>(view.shared_from_this()), {frame.origin.x, NSMaxY(frame)}});
-        for (const auto& subview : view.subviews()) self(self, *subview);
-    };
-    collect(collect, *contentView_);
-    std::ranges::stable_sort(places, [](const Place& a, const Place& b) {
-        return a.topLeft.y != b.topLeft.y ? a.topLeft.y > b.topLeft.y : a.topLeft.x < b.topLeft.x;
-    });
-    for (std::size_t i = 0; i < places.size(); ++i)
-        places[i].view->setNextKeyView(places[(i + 1) % places.size()].view);
-}
+NSView* NSWindow::initialFirstResponder() const { return focus_->initial(); }
+void NSWindow::setInitialFirstResponder(const std::weak_ptr<NSView>& view) { focus_->setInitial(view); }
 
 void NSWindow::endEditingFor(NSObject*) {
-    const auto self = retained(this);
-    const auto view = retained(dynamic_cast<NSView*>(firstResponder()));
-    if (!view || !view->usesFieldEditor()) return;
-    firstResponder_.reset();
-    view->endEditingUnasked(false);
-    focusFirstResponder();
-}
-
-std::vector<std::shared_ptr<NSView>> NSWindow::keyViews() const {
-    std::vector<std::shared_ptr<NSView>> views;
-    const auto collect = [&](const auto& self, NSView& view) -> void {
-        if (view.canBecomeKeyView()) views.push_back(std::static_pointer_cast<NSView>(view.shared_from_this()));
-        for (const auto& subview : view.subviews()) self(self, *subview);
-    };
-    collect(collect, *contentView_);
-    return views;
+    const auto held = retained(this);
+    focus_->endEditing();
 }
 
 bool NSWindow::selectKeyView(NSView* from, bool backwards) {
-    const auto views = keyViews();
-    if (views.empty()) return false;
-    std::shared_ptr<NSView> next;
-    // Along the links that were made, over views that cannot take the keyboard.
-    const auto linkedFrom = [this](const NSView& view) -> NSView* {
-        std::set<const NSView*> seen;
-        for (NSView* linked = view.nextKeyView(); linked && seen.insert(linked).second;
-             linked = linked->nextKeyView())
-            if (linked->window() == this && linked->canBecomeKeyView()) return linked;
-        return nullptr;
-    };
-    if (from && !backwards) next = retained(linkedFrom(*from));
-    if (from && backwards)
-        for (const auto& view : views)
-            if (linkedFrom(*view) == from) next = view;
-    if (!next) {
-        const auto found = std::ranges::find_if(views, [&](const auto& view) { return view.get() == from; });
-        const auto count = views.size();
-        const auto index = static_cast<std::size_t>(found - views.begin());
-        if (found == views.end())
-            next = backwards ? views.back() : views.front();
-        else
-            next = views[backwards ? (index + count - 1) % count : (index + 1) % count];
-    }
-    if (next.get() == from) return false;
-    makeFirstResponder(next.get());
-    return true;
+    const auto held = retained(this);
+    return focus_->selectKeyView(from, backwards);
 }
 
-// Of one that acts now.
-static bool isKeyOfMainMenu(const NSEvent& event) {
-    auto& application = NSApplication::sharedApplication();
-    const auto menu = application.modalWindow() ? nullptr : application.mainMenu();
-    return menu && menu->performKeyEquivalent(event);
-}
+void NSWindow::recalculateKeyViewLoop() { focus_->recalculateKeyViewLoop(); }
 
 bool NSWindow::performKeyEquivalentOf(const char* characters) {
-    InputEvent event;
-    event.type = NSEventTypeKeyDown;
-    event.characters = event.charactersIgnoringModifiers = characters;
-    const auto content = contentView_;
-    return content->performKeyEquivalent(NSEvent(event, contentSize_.height));
+    return focus_->performKeyEquivalentOf(characters);
 }
 
 void NSWindow::keyDown(const NSEvent& event) {
     const auto held = retained(this);
-    const auto content = contentView_;
-    if (content->performKeyEquivalent(event) || isKeyOfMainMenu(event)) return;
-    const bool plain = (event.modifierFlags() & (NSEventModifierFlagCommand | NSEventModifierFlagOption |
-                                                 NSEventModifierFlagControl)) == 0;
-    if (event.keyCode() == kKeyCodeTab && plain) {
-        selectKeyView(dynamic_cast<NSView*>(firstResponder()),
-                      (event.modifierFlags() & NSEventModifierFlagShift) != 0);
-        return;
-    }
-    NSResponder::keyDown(event);
+    if (!focus_->handleUntaken(event)) NSResponder::keyDown(event);
 }
 
-void NSWindow::viewWillLeave(NSView& view) {
-    const auto self = retained(this);
-    const auto first = retained(dynamic_cast<NSView*>(firstResponder()));
-    if (first && first->isDescendantOf(view)) {
-        // Whatever it says, it leaves.
-        if (!makeFirstResponder(nullptr)) {
-            firstResponder_.reset();
-            first->endEditingUnasked(true);
-            focusFirstResponder();
-        }
-    }
-    for (auto* pressed : {&leftPressed_, &rightPressed_, &otherPressed_}) {
-        const auto pressedView = pressed->lock();
-        if (!pressedView || !pressedView->isDescendantOf(view)) continue;
-        pressed->reset();
-        cancelTracking();
-    }
+void NSWindow::sendEvent(const NSEvent& event) {
+    const auto held = retained(this);
+    if (event.type() == NSEventTypeKeyDown || event.type() == NSEventTypeKeyUp)
+        focus_->handle(event);
+    else
+        mouse_->handle(event, *contentView_);
+}
+
+std::optional<NSEvent> NSWindow::nextEventMatchingMask(NSEventMask mask) {
+    if (!installedSystem() || mouse_->pressWasEnded()) return std::nullopt;
+    return NSApplication::sharedApplication().nextEvent(*this, mask);
 }
 
 void NSWindow::cancelTracking() {
     ++cancellations_;
-    if (!installation()) return;
+    if (!installedSystem()) return;
     NSApplication::sharedApplication().wakeTracking();
     NSApplication::sharedApplication().wakeModal();
 }
 
-std::optional<NSEvent> NSWindow::nextEventMatchingMask(NSEventMask mask) {
-    if (!installation() || pressWasEnded_) return std::nullopt;
-    return NSApplication::sharedApplication().nextEvent(*this, mask);
-}
-
-NSView* NSWindow::viewAt(const NSPoint& point) const { return contentView_->hitTest(point); }
-
-namespace {
-
-enum class Phase { press, drag, release };
-
-struct MouseMessage {
-    Phase phase;
-    void (NSResponder::*message)(const NSEvent&);
-};
-
-MouseMessage mouseMessage(NSEventType type) {
-    switch (type) {
-    case NSEventTypeLeftMouseDown:
-        return {Phase::press, &NSResponder::mouseDown};
-    case NSEventTypeLeftMouseDragged:
-        return {Phase::drag, &NSResponder::mouseDragged};
-    case NSEventTypeLeftMouseUp:
-        return {Phase::release, &NSResponder::mouseUp};
-    case NSEventTypeRightMouseDown:
-        return {Phase::press, &NSResponder::rightMouseDown};
-    case NSEventTypeRightMouseDragged:
-        return {Phase::drag, &NSResponder::rightMouseDragged};
-    case NSEventTypeRightMouseUp:
-        return {Phase::release, &NSResponder::rightMouseUp};
-    case NSEventTypeOtherMouseDown:
-        return {Phase::press, &NSResponder::otherMouseDown};
-    case NSEventTypeOtherMouseDragged:
-        return {Phase::drag, &NSResponder::otherMouseDragged};
-    default:
-        return {Phase::release, &NSResponder::otherMouseUp};
-    }
-}
-
-} // namespace
-
-// A press goes to the view under the pointer, and what follows to the same view.
-void NSWindow::mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed) {
-    const auto [phase, message] = mouseMessage(event.type());
-    if (phase == Phase::press) {
-        pressed = retained(viewAt(event.locationInWindow()));
-        pressWasEnded_ = false;
-    }
-    if (&pressed == &leftPressed_) lastPress_ = event.locationInWindow();
-    const auto view = pressed.lock();
-    if (phase == Phase::release) pressed.reset();
-    if (!view) return;
-    const bool takesFocus = event.type() == NSEventTypeLeftMouseDown && view->acceptsFirstResponder();
-    if (takesFocus && view.get() != firstResponder() && !makeFirstResponder(view.get())) {
-        pressed.reset();
-        return;
-    }
-    (view.get()->*message)(event);
-}
-
-void NSWindow::sendEvent(const NSEvent& event) {
-    switch (event.type()) {
-    case NSEventTypeLeftMouseDown:
-    case NSEventTypeLeftMouseDragged:
-    case NSEventTypeLeftMouseUp:
-        mouseEvent(event, leftPressed_);
-        break;
-    case NSEventTypeRightMouseDown:
-    case NSEventTypeRightMouseDragged:
-    case NSEventTypeRightMouseUp:
-        mouseEvent(event, rightPressed_);
-        break;
-    case NSEventTypeOtherMouseDown:
-    case NSEventTypeOtherMouseDragged:
-    case NSEventTypeOtherMouseUp:
-        mouseEvent(event, otherPressed_);
-        break;
-    case NSEventTypeScrollWheel:
-        if (const auto view = retained(viewAt(event.locationInWindow()))) view->scrollWheel(event);
-        break;
-    case NSEventTypeKeyDown:
-        if ((event.modifierFlags() & NSEventModifierFlagCommand) != 0) {
-            const auto content = contentView_;
-            if (content->performKeyEquivalent(event)) break;
-            if (isKeyOfMainMenu(event)) break;
-        }
-        if (const auto first = retained(firstResponder())) first->keyDown(event);
-        break;
-    case NSEventTypeKeyUp:
-        if (const auto first = retained(firstResponder())) first->keyUp(event);
-        break;
-    case NSEventTypeMouseMoved:
-        break;
-    }
+// A view that is pressed gets its release now, unless it, or another, is handling an event: then none.
+void NSWindow::pressesEnd() {
+    const auto held = retained(this);
+    const auto pressed = mouse_->endPresses();
+    cancelTracking();
+    if (pressed && NSApplication::sharedApplication().eventsInHand_ == 0)
+        mouse_->release(*pressed, contentSize().height);
 }
 
 void NSWindow::scheduleUpdate() {
-    if (updateScheduled_ || !peer_) return;
-    updateScheduled_ = true;
-    peer_->scheduleUpdate();
+    if (peer_ && !std::exchange(updateScheduled_, true)) peer_->scheduleUpdate();
 }
 
 void NSWindow::update() {
@@ -709,26 +435,16 @@ void NSWindow::update() {
 void NSWindow::keyChanged(bool key) {
     if (key == key_) return;
     key_ = key;
-    const auto delegate = this->delegate();
-    if (delegate && !key) delegate->windowDidResignKey(*this);
-    if (!key) return;
-    if (delegate) delegate->windowDidBecomeKey(*this);
-    NSNotificationCenter::defaultCenter().postNotificationName_object(NSWindowDidBecomeKeyNotification, this);
+    if (key)
+        tell(&NSWindowDelegate::windowDidBecomeKey, NSWindowDidBecomeKeyNotification);
+    else if (const auto delegate = this->delegate())
+        delegate->windowDidResignKey(*this);
 }
 
 void NSWindow::appearanceChanged() {
     const auto content = contentView_;
     content->appearanceChanged();
-    if (toolbar_) toolbar_->windowChanged(this); // its pictures
+    bars_->tellToolbar(); // its pictures
 }
-
-NSRect NSWindow::convertRectToScreen(const NSRect& rect) const {
-    if (!peer_) return rect;
-    const NSPoint origin = peer_->contentOriginOnScreen();
-    const double bottom = NSScreen::mainScreen().frame().size.height - (origin.y + contentSize_.height);
-    return NSOffsetRect(rect, origin.x, bottom);
-}
-
-double NSWindow::backingScaleFactor() const { return peer_ ? peer_->backingScale() : 1; }
 
 } // namespace zr

@@ -14,8 +14,14 @@ namespace zr {
 class NSToolbar;
 class NSView;
 class NSWindow;
+class WindowBarsHolder;
+class WindowFocus;
+class WindowFrame;
+class WindowMouse;
+class WindowSheet;
 
 namespace port {
+class TrackingLoop;
 class WindowClient;
 class WindowPeer;
 } // namespace port
@@ -61,7 +67,10 @@ public:
                                                      NSBackingStoreType backing, bool defer);
     // Content rectangle, style mask, title and limits of the content's size.
     bool initWithCoder(NSCoder& coder) override;
-    bool init() override; // an empty window without a frame
+    // An empty window without a frame.
+    bool init() override {
+        return initWithContentRect_styleMask_backing_defer(NSZeroRect, 0, NSBackingStoreBuffered, false);
+    }
     void dealloc() override;
 
     unsigned styleMask() const { return styleMask_; }
@@ -88,7 +97,7 @@ public:
     bool showsResizeIndicator() const { return showsResizeIndicator_; } // true at first; nothing shows it
     void setShowsResizeIndicator(bool shows) { showsResizeIndicator_ = shows; }
 
-    const std::shared_ptr<NSToolbar>& toolbar() const { return toolbar_; } // none at first
+    const std::shared_ptr<NSToolbar>& toolbar() const;          // none at first
     void setToolbar(const std::shared_ptr<NSToolbar>& toolbar); // above the content, which keeps its size
 
     // One that stands beside the windows in which people work, such as a palette or the preferences: it is no
@@ -99,16 +108,16 @@ public:
     bool isAuxiliary() const { return auxiliary_; }
     void setAuxiliary(bool auxiliary) { auxiliary_ = auxiliary; }
 
-    const NSSize& contentSize() const { return contentSize_; }
+    const NSSize& contentSize() const;
     void setContentSize(const NSSize& size);
     // For resizing by the user.
-    const NSSize& contentMinSize() const { return contentMinSize_; }
-    const NSSize& contentMaxSize() const { return contentMaxSize_; }
+    const NSSize& contentMinSize() const;
+    const NSSize& contentMaxSize() const;
     void setContentMinSize(const NSSize& size);
     void setContentMaxSize(const NSSize& size);
 
-    void makeKeyAndOrderFront(NSObject* sender);
-    void orderFront(NSObject* sender);
+    void makeKeyAndOrderFront(NSObject* /*sender*/) { show(true); }
+    void orderFront(NSObject* /*sender*/) { show(false); }
     void orderOut(NSObject* sender);
     // As the user closes it: asks the delegate; nothing if the style has no Closable. An action too:
     // "performClose:".
@@ -117,8 +126,8 @@ public:
     bool isVisible() const { return visible_; }
     bool isKeyWindow() const { return key_; }
     // Over another window, which gets no input meanwhile; and that window's, null without one.
-    bool isSheet() const { return isSheet_; }
-    NSWindow* attachedSheet() const { return attachedSheet_.lock().get(); }
+    bool isSheet() const;
+    NSWindow* attachedSheet() const;
 
     // The window itself at first. Answers false only where the one before did not resign.
     NSResponder* firstResponder() const;
@@ -126,8 +135,8 @@ public:
 
     // Becomes first responder when the window is first shown, unless another view is already. Without one the
     // first view of the content does that needs the keyboard, as fields and lists do.
-    NSView* initialFirstResponder() const { return initialFirstResponder_.lock().get(); }
-    void setInitialFirstResponder(const std::weak_ptr<NSView>& view) { initialFirstResponder_ = view; }
+    NSView* initialFirstResponder() const;
+    void setInitialFirstResponder(const std::weak_ptr<NSView>& view);
 
     // Ends the editing of a field of this window without asking its delegate, and makes the window first
     // responder.
@@ -169,77 +178,58 @@ protected:
                              const NSSize& contentSize, const std::string& title);
 
 private:
-    friend class NSView;
     friend class NSApplication;
-    friend struct Installation;
+    friend struct PanelSupport;
     struct Client;
 
-    friend class NSOpenPanel;
-    friend class NSToolbar;
-    std::vector<std::shared_ptr<NSView>> keyViews() const; // in the order of the subviews
     void realise(bool withMenuBar);
     void unrealise();
     void show(bool activate);
-    void contentResized(const NSSize& size);
+    std::unique_ptr<port::TrackingLoop> showModal();
+    void showAsSheet(NSWindow* parent);
+    void endSheet();
+    void wasShown();
+    void wasHidden();
+    void wasClosed();
+    void wentAway() {
+        wasClosed();
+        unrealise();
+    }
+    bool shouldClose();
+    bool has(NSWindowStyleMask style) const { return (styleMask_ & style) != 0; }
+    double usualInset() const;
     void didResize();
     void didMove();
-    void peerMoved();
-    double topInset() const;
-    void placePeer();
-    void keepWithinReach();
+    void tell(void (NSWindowDelegate::*message)(NSWindow&), const NSNotificationName& name);
     bool mayHaveMenuBar() const;
     void setMenuBar(bool shown);
     void mainMenuChanged();
     void scheduleUpdate();
     void update();
-    bool shouldClose();
-    void showModal();
-    void showAsSheet(NSWindow* parent);
-    void endSheet();
     void pressesEnd();
-    void wasShown();
-    void wasHidden();
-    void wasClosed();
-    void wentAway();
-    void focusLeft();
-    void keyChanged(bool key);
-    void peerFocused(NSView& view);
-    void viewWillLeave(NSView& view);
-    void focusFirstResponder();
     void cancelTracking();
+    void keyChanged(bool key);
     void appearanceChanged();
-    void mouseEvent(const NSEvent& event, std::weak_ptr<NSView>& pressed);
-    NSView* viewAt(const NSPoint& point) const;
 
+    std::unique_ptr<Client> client_;
+    std::unique_ptr<WindowFrame> frame_;
+    std::unique_ptr<WindowFocus> focus_;
+    std::unique_ptr<WindowMouse> mouse_;
+    std::unique_ptr<WindowSheet> sheet_;
+    std::unique_ptr<WindowBarsHolder> bars_;
     std::string title_;
-    NSPoint topLeft_; // of the frame
-    bool placed_ = false;
-    bool wasEverShown_ = false;
-    bool showsResizeIndicator_ = true;
-    std::shared_ptr<NSToolbar> toolbar_;
-    NSSize contentSize_;
-    NSSize contentMinSize_;
-    NSSize contentMaxSize_{16777215, 16777215};
     std::shared_ptr<NSView> contentView_;
     std::weak_ptr<NSWindowDelegate> delegate_;
-    std::weak_ptr<NSResponder> firstResponder_; // empty: the window
-    // The views that got the presses, and so get what follows until the release.
-    std::weak_ptr<NSView> leftPressed_, rightPressed_, otherPressed_;
-    std::unique_ptr<Client> client_;
     std::unique_ptr<port::WindowPeer> peer_;
     unsigned styleMask_ = 0;
+    bool wasEverShown_ = false;
+    bool showsResizeIndicator_ = true;
     bool foreign_ = false;
     bool visible_ = false;
     bool open_ = false; // shown, and not closed since
     bool closing_ = false;
     bool key_ = false;
-    bool isSheet_ = false;
     bool auxiliary_ = false;
-    bool hasMenuBar_ = false; // the peer has
-    std::weak_ptr<NSWindow> attachedSheet_, sheetParent_;
-    std::weak_ptr<NSView> initialFirstResponder_;
-    NSPoint lastPress_;          // where the left button was last seen down
-    bool pressWasEnded_ = false; // by something else than the release
     bool updateScheduled_ = false;
     unsigned cancellations_ = 0; // of pulls for events: one that sees the number change gives up
 };

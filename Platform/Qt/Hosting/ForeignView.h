@@ -1,7 +1,7 @@
 #pragma once
 
 #include <AppKit/NSControl.h>
-#include <ZRUIKitQt/QtViews.h>
+#include <ZRUIKitQt/PeerOf.h>
 
 #include <QPointer>
 #include <QWidget>

@@ -3,6 +3,7 @@
 #include "HostWindow.h"
 
 #include <ZRUIKitQt/QtDueWork.h>
+#include <ZRUIKitQt/QtTrackingLoop.h>
 
 #include <QApplication>
 #include <QEvent>
@@ -39,7 +40,6 @@ public:
         if (top && activate) top->raise();
         if (top && activate) top->activateWindow();
     }
-    void showModal() override { show(true); } // a host decides on modality itself
     void showAsSheet(port::WindowPeer&) override { show(true); }
     void endSheet() override {}
     QWidget* topLevel() const override { return top_; }
@@ -66,15 +66,18 @@ public:
         if (top_) top_->move(qRound(topLeft.x), qRound(topLeft.y));
     }
     double topInset() const override { return top_ ? top_->geometry().top() - top_->frameGeometry().top() : 0; }
-    void setToolbar(const std::vector<port::ToolbarItem>&, port::ToolbarClient*) override {} // is the host's
-    void selectToolbarItem(std::optional<std::size_t>) override {}
-    void setMenuBar(const std::vector<port::MenuItem>&) override {}
+    port::WindowBars* bars() override { return nullptr; }
     CGPoint contentOriginOnScreen() const override {
         if (!top_) return {};
         const QPointF origin = top_->mapToGlobal(QPointF(0, 0));
         return {origin.x(), origin.y()};
     }
     double backingScale() const override { return top_ ? top_->devicePixelRatioF() : 1; }
+    // A host decides on modality itself.
+    std::unique_ptr<port::TrackingLoop> beginModal() override {
+        show(true);
+        return std::make_unique<QtLoop>();
+    }
     std::unique_ptr<port::ViewPeer> makeContent(port::ViewClient&) override {
         return std::make_unique<ForeignPeer>(top_, host_.link);
     }

@@ -2,6 +2,7 @@
 
 #include <WindowSystem/Panels.h>
 #include <ZRUIKitQt/InputBlock.h>
+#include <ZRUIKitQt/QtTrackingLoop.h>
 
 #include <QFileDialog>
 #include <QPointer>
@@ -42,6 +43,7 @@ public:
     ~OpenPanelPeer() override {
         if (dialog_) dialog_->letGo();
     }
+    std::unique_ptr<port::TrackingLoop> beginModal() override { return std::make_unique<QtLoop>(); }
 
 private:
     QPointer<Dialog> dialog_;

@@ -63,9 +63,9 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 
 // TableWidget
 
-TableWidget::TableWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink, port::ViewClient& viewClient,
+TableWidget::TableWidget(port::ViewPeer& superview, port::ViewClient& viewClient,
                          port::TableClient& tableClient)
-    : QTableView(parent), link(std::move(windowLink)), client(&viewClient), table_(tableClient) {
+    : WidgetOf(superview, viewClient), table_(tableClient) {
     model_.textAt = [this](std::size_t row, std::size_t column) {
         return client ? table_.peerText(row, column) : std::string();
     };
@@ -92,12 +92,12 @@ TableWidget::TableWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink
 }
 
 TableWidget::~TableWidget() {
-    tellGone(client);
+    tellGone();
     setModel(nullptr); // which goes first
 }
 
 void TableWidget::place(const CGRect& frame) {
-    setGeometry(PlainPeer::wholePoints(frame));
+    setGeometry(wholePoints(frame));
     tellScrolled();
 }
 
@@ -153,20 +153,6 @@ bool TableWidget::viewportEvent(QEvent* event) {
     return true;
 }
 
-bool TableWidget::focusNextPrevChild(bool next) {
-    return !ordersItsTabs(*this) && QTableView::focusNextPrevChild(next);
-}
-
-void TableWidget::focusInEvent(QFocusEvent* event) {
-    QTableView::focusInEvent(event);
-    if (client) client->peerFocusChanged(true);
-}
-
-void TableWidget::focusOutEvent(QFocusEvent* event) {
-    QTableView::focusOutEvent(event);
-    if (client) client->peerFocusChanged(false);
-}
-
 void TableWidget::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     tellScrolled();
@@ -185,9 +171,9 @@ void TableWidget::tellScrolled() {
 
 // TableHeaderWidget
 
-TableHeaderWidget::TableHeaderWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink,
-                                     port::ViewClient& viewClient, port::TableHeaderClient& headerClient)
-    : QHeaderView(Qt::Horizontal, parent), link(std::move(windowLink)), client(&viewClient) {
+TableHeaderWidget::TableHeaderWidget(port::ViewPeer& superview, port::ViewClient& viewClient,
+                                     port::TableHeaderClient& headerClient)
+    : WidgetOf(superview, viewClient, Qt::Horizontal) {
     setModel(&model_);
     setMinimumSectionSize(1);
     setSectionsClickable(false);
@@ -202,7 +188,7 @@ TableHeaderWidget::TableHeaderWidget(QWidget* parent, std::shared_ptr<WindowLink
 }
 
 TableHeaderWidget::~TableHeaderWidget() {
-    tellGone(client);
+    tellGone();
     setModel(nullptr); // which goes first
 }
 

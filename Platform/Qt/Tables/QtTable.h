@@ -1,7 +1,7 @@
 #pragma once
 
 #include <WindowSystem/Tables.h>
-#include <ZRUIKitQt/QtViews.h>
+#include <ZRUIKitQt/PeerOf.h>
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
@@ -33,10 +33,9 @@ private:
 };
 
 // Shows and scrolls; what is selected is not its own affair.
-class TableWidget final : public QTableView, public OffersEvents {
+class TableWidget final : public WidgetOf<QTableView>, public OffersEvents {
 public:
-    TableWidget(QWidget* parent, std::shared_ptr<WindowLink> link, port::ViewClient& viewClient,
-                port::TableClient& tableClient);
+    TableWidget(port::ViewPeer& superview, port::ViewClient& viewClient, port::TableClient& tableClient);
     ~TableWidget() override;
 
     void place(const CGRect& frame);
@@ -44,9 +43,6 @@ public:
     void reload(std::size_t rowCount);
     void markRows(const std::set<std::size_t>& rows);
     bool offersEventsOf(const QObject* receiver) const override { return receiver == viewport(); }
-
-    std::shared_ptr<WindowLink> link;
-    port::ViewClient* client;
 
 protected:
     void mousePressEvent(QMouseEvent* event) override { mouse(*event); }
@@ -56,9 +52,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override { key(*event); }
     void keyReleaseEvent(QKeyEvent* event) override { key(*event); }
     bool viewportEvent(QEvent* event) override;
-    bool focusNextPrevChild(bool next) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
 
@@ -71,16 +64,13 @@ private:
     TableModel model_;
 };
 
-class TableHeaderWidget final : public QHeaderView {
+class TableHeaderWidget final : public WidgetOf<QHeaderView> {
 public:
-    TableHeaderWidget(QWidget* parent, std::shared_ptr<WindowLink> link, port::ViewClient& viewClient,
+    TableHeaderWidget(port::ViewPeer& superview, port::ViewClient& viewClient,
                       port::TableHeaderClient& headerClient);
     ~TableHeaderWidget() override;
 
     void setColumns(const std::vector<port::TableColumn>& columns);
-
-    std::shared_ptr<WindowLink> link;
-    port::ViewClient* client;
 
 protected:
     // The left button is for the edges of the titles.
@@ -94,7 +84,8 @@ private:
 
 class TablePeer final : public PeerOf<port::TablePeer, TableWidget> {
 public:
-    using PeerOf::PeerOf;
+    TablePeer(port::ViewPeer& superview, port::ViewClient& viewClient, const Parts& parts)
+        : PeerOf(new TableWidget(superview, viewClient, parts.table)) {}
     void setColumns(const std::vector<port::TableColumn>& columns) override;
     void reload(std::size_t rowCount) override;
     void setSelection(const std::set<std::size_t>& rows) override;
@@ -105,9 +96,15 @@ public:
 
 class TableHeaderPeer final : public PeerOf<port::TableHeaderPeer, TableHeaderWidget> {
 public:
-    using PeerOf::PeerOf;
+    TableHeaderPeer(port::ViewPeer& superview, port::ViewClient& viewClient, const Parts& parts)
+        : PeerOf(new TableHeaderWidget(superview, viewClient, parts.header)) {}
+    void setTable(port::TablePeer*) override {} // each has the columns of its own
     void setColumns(const std::vector<port::TableColumn>& columns) override;
     void setOffset(double x) override;
 };
+
+using TablePeers = port::MakersBy<port::TableMakers, //
+                                  TablePeer,         //
+                                  TableHeaderPeer>;
 
 } // namespace zr::qt

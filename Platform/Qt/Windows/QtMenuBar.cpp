@@ -1,5 +1,6 @@
 #include "QtMenuBar.h"
-#include "QtViews.h"
+
+#include <ZRUIKitQt/Appearance.h>
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -1,10 +1,37 @@
+#include "QtDueWork.h"
 #include "QtTrackingLoop.h"
-#include "QtViews.h"
 
 #include <QApplication>
-#include <QInputEvent>
 
 namespace zr::qt {
+
+namespace {
+// Main thread only.
+std::vector<const QtLoop*>& living() {
+    static auto& loops = *new std::vector<const QtLoop*>;
+    return loops;
+}
+} // namespace
+
+QtLoop::QtLoop() { living().push_back(this); }
+QtLoop::~QtLoop() { std::erase(living(), this); }
+bool QtLoop::isInnermost() const { return living().back() == this; }
+
+bool QtLoop::wait() {
+    QEventLoop loop;
+    loops_.push_back(&loop);
+    woken_ = false;
+    loop.exec();
+    loops_.pop_back();
+    return woken_; // not when the application ends
+}
+
+void QtLoop::wake() {
+    woken_ = true;
+    for (QEventLoop* loop : loops_) loop->quit();
+}
+
+// QtTrackingLoop
 
 QtTrackingLoop::QtTrackingLoop() { qApp->installEventFilter(this); }
 
@@ -14,27 +41,8 @@ QtTrackingLoop::~QtTrackingLoop() {
         if (receiver) QCoreApplication::postEvent(receiver, event.release());
 }
 
-void QtTrackingLoop::holdBack(bool holds) {
-    qApp->removeEventFilter(this);
-    if (holds) qApp->installEventFilter(this);
-}
-
-bool QtTrackingLoop::wait() {
-    QEventLoop loop;
-    loops_.push_back(&loop);
-    woken_ = false;
-    loop.exec();
-    loops_.pop_back();
-    return woken_; // not when the application ends
-}
-
-void QtTrackingLoop::wake() {
-    woken_ = true;
-    for (QEventLoop* loop : loops_) loop->quit();
-}
-
 bool QtTrackingLoop::eventFilter(QObject* watched, QEvent* event) {
-    if (!watched->isWidgetType()) return false;
+    if (!watched->isWidgetType() || !isInnermost()) return false;
     switch (event->type()) {
     case QEvent::ShortcutOverride:
         event->accept();
@@ -58,6 +66,25 @@ bool QtTrackingLoop::eventFilter(QObject* watched, QEvent* event) {
     }
     heldBack_.emplace_back(watched, event->clone());
     return true;
+}
+
+// ModalLoop
+
+ModalLoop::ModalLoop(WindowWidget& window) : window_(&window) { ++window.modalLoops; }
+
+// Qt takes a window's modality back only while it is hidden. Most are closed at once; of another one it is
+// taken when the event loop turns.
+ModalLoop::~ModalLoop() {
+    if (!window_ || --window_->modalLoops > 0) return;
+    addDueWork(DueWork::update, window_, [](QWidget* widget) {
+        const auto& window = static_cast<WindowWidget&>(*widget);
+        if (window.modalLoops > 0 || widget->windowModality() == Qt::NonModal) return;
+        const bool visible = widget->isVisible();
+        widget->hide();
+        widget->setWindowModality(Qt::NonModal);
+        widget->setAttribute(Qt::WA_ShowWithoutActivating);
+        if (visible) widget->show();
+    });
 }
 
 } // namespace zr::qt

@@ -1,12 +1,11 @@
 #include "QtDueWork.h"
+#include "QtTrackingLoop.h"
 #include "QtWindow.h"
-
-#include <ZRUIKitQt/QtCanvas.h>
+#include "SheetEdge.h"
 
 #include <QApplication>
-#include <QCloseEvent>
-#include <QPainter>
 #include <QScreen>
+#include <QStyle>
 #include <QWindow>
 
 #include <algorithm>
@@ -23,185 +22,40 @@ QSize wholeSize(CGSize size) {
     return {limited(size.width), limited(size.height)};
 }
 
-// The edge of a window that has no frame of its own.
-class Edge final : public QWidget {
-public:
-    explicit Edge(QWidget* window) : QWidget(window) {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        window->installEventFilter(this);
-        fit();
-    }
+double lastTitleBar = -1; // of the window that was asked last; negative: of none so far
 
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Resize || event->type() == QEvent::Show) fit();
-        return false;
-    }
-    void paintEvent(QPaintEvent*) override {
-        constexpr float kStrength = 0.35F;
-        QColor colour = palette().color(QPalette::WindowText);
-        colour.setAlphaF(kStrength);
-        QPainter painter(this);
-        painter.setPen(colour);
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
-    }
-
-private:
-    void fit() {
-        setGeometry(parentWidget()->rect());
-        raise();
-    }
-};
-
-// Items with an icon above a label, one of which may be selected.
-class Toolbar final : public QToolBar {
-public:
-    Toolbar(QWidget* window, const std::vector<port::ToolbarItem>& items, port::ToolbarClient& client)
-        : QToolBar(window) {
-        setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-        setIconSize({32, 32});
-        setMovable(false);
-        setContextMenuPolicy(Qt::PreventContextMenu);
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            const auto& item = items[i];
-            actions_.push_back(nullptr);
-            if (item.kind != port::ToolbarItem::Kind::button) {
-                auto* const space = new QWidget(this);
-                space->setSizePolicy(item.kind == port::ToolbarItem::Kind::space ? QSizePolicy::Fixed
-                                                                                 : QSizePolicy::Expanding,
-                                     QSizePolicy::Preferred);
-                space->setMinimumWidth(iconSize().width());
-                addWidget(space);
-                continue;
-            }
-            actions_.back() = addAction(iconOf(item), QString::fromStdString(item.label));
-            actions_.back()->setCheckable(true);
-            QObject::connect(actions_.back(), &QAction::triggered, this, [this, i, &client] {
-                // What is selected is for the client to say.
-                select(selected_);
-                client.peerClicked(i);
-            });
-        }
-    }
-    void select(std::optional<std::size_t> index) {
-        selected_ = index;
-        for (std::size_t i = 0; i < actions_.size(); ++i)
-            if (actions_[i]) actions_[i]->setChecked(i == index);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QToolBar::paintEvent(event);
-        constexpr float kStrength = 0.2F;
-        QColor line = palette().color(QPalette::WindowText);
-        line.setAlphaF(kStrength);
-        QPainter(this).fillRect(0, height() - 1, width(), 1, line);
-    }
-
-private:
-    QIcon iconOf(const port::ToolbarItem& item) const {
-        QIcon icon;
-        if (!item.image) return icon;
-        const auto appearance =
-            palette().color(QPalette::Window).lightness() < 128 ? Appearance::dark : Appearance::light;
-        for (const double scale : {1.0, 2.0}) {
-            const auto* const chosen = port::bestRepresentation(*item.image, scale, appearance);
-            const auto* const bitmap = chosen ? static_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
-            if (!bitmap) continue;
-            QPixmap pixmap = QPixmap::fromImage(bitmap->image());
-            pixmap.setDevicePixelRatio(bitmap->image().width() / item.imageSize.width);
-            icon.addPixmap(pixmap);
-        }
-        return icon;
-    }
-
-    std::vector<QAction*> actions_; // null for spaces
-    std::optional<std::size_t> selected_;
-};
-
-Qt::WindowFlags flagsOf(port::WindowStyle style) {
-    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
-    if (!style.titled) return flags | Qt::FramelessWindowHint;
-    flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
-    flags.setFlag(Qt::WindowCloseButtonHint, style.closable);
-    flags.setFlag(Qt::WindowMinimizeButtonHint, style.miniaturizable);
-    flags.setFlag(Qt::WindowMaximizeButtonHint, style.resizable);
-    return flags;
+double titleBarHeight(const QWidget& topLevel) {
+    const double height = topLevel.geometry().top() - topLevel.frameGeometry().top();
+    if (height > 0 && topLevel.isVisible()) lastTitleBar = height;
+    return height;
 }
 
-CGSize sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
+// Some window systems tell it of a window that was never shown.
+double guessedTitleBar() {
+    QWidget probe(nullptr, Qt::Window);
+    probe.winId();
+    const int told = probe.windowHandle()->frameMargins().top();
+    return told > 0 ? told : probe.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &probe);
+}
 
 } // namespace
 
-WindowWidget::WindowWidget(port::WindowClient& windowClient, port::WindowStyle style)
-    : QWidget(nullptr, flagsOf(style)), client(&windowClient), closable(style.closable) {
-    link->client = client;
-    setAttribute(Qt::WA_QuitOnClose, false); // the application object decides when the program ends
-}
-
-WindowWidget::~WindowWidget() {
-    link->client = nullptr;
-    if (auto* const gone = std::exchange(client, nullptr)) gone->peerGone();
-}
-
-void WindowWidget::scheduleUpdate() {
-    addDueWork(DueWork::update, this, [](QWidget* widget) {
-        auto* const owner = static_cast<WindowWidget*>(widget)->client;
-        if (owner) owner->peerUpdate();
-    });
-}
-
-// The client closes by letting go of its peer, and so of this widget.
-void WindowWidget::closeEvent(QCloseEvent* event) {
-    event->ignore();
-    if (sheetParent) {
-        sheetParent->close(); // a sheet and its window are one to the user
-        return;
+port::WindowInsets usualInsets() {
+    if (lastTitleBar < 0) lastTitleBar = guessedTitleBar();
+    static std::pair<QString, port::WindowInsets> last; // by the font
+    const QString font = QApplication::font().key();
+    if (last.first != font) {
+        QWidget window;
+        const MenuBar menuBar(&window,
+                              {{.title = "X", .submenu = [] { return std::vector<port::MenuItem>(); }}});
+        port::ToolbarItem item;
+        item.label = "X";
+        const Toolbar toolbar(&window, {item}, nullptr);
+        last = {
+            font,
+            {.menuBar = double(menuBar.sizeHint().height()), .toolbar = double(toolbar.sizeHint().height())}};
     }
-    if (!closable) return;
-    const QPointer<WindowWidget> self = this; // the answer may take a while, and the widget with it
-    if (client && client->peerShouldClose() && self && self->client) self->client->peerClosed();
-}
-
-void WindowWidget::placeContent() {
-    if (menuBar) menuBar->setGeometry(0, 0, width(), menuHeight());
-    if (bar) bar->setGeometry(0, menuHeight(), width(), bar->height());
-    if (contentWidget) contentWidget->place({{0, double(barHeight())}, sizeOf(size() - QSize(0, barHeight()))});
-}
-
-void WindowWidget::resizeEvent(QResizeEvent*) {
-    placeContent();
-    if (client) client->peerContentResized(sizeOf(size() - QSize(0, barHeight())));
-}
-
-void WindowWidget::placeSheet() {
-    if (!sheetParent) return;
-    const auto* const window = dynamic_cast<WindowWidget*>(sheetParent.data());
-    const QPoint top = sheetParent->mapToGlobal(QPoint(0, window ? window->barHeight() : 0));
-    move(top + QPoint((sheetParent->width() - width()) / 2, 0));
-}
-
-// A sheet follows its parent.
-bool WindowWidget::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == sheetParent && (event->type() == QEvent::Move || event->type() == QEvent::Resize))
-        placeSheet();
-    return false;
-}
-
-void WindowWidget::moveEvent(QMoveEvent*) {
-    if (client) client->peerMoved();
-}
-
-void WindowWidget::keyPressEvent(QKeyEvent* event) {
-    if (menuBar && event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier)
-        menuBar->openFirst();
-    else
-        QWidget::keyPressEvent(event);
-}
-
-void WindowWidget::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && client) client->peerKeyChanged(isActiveWindow());
+    return {.titleBar = lastTitleBar, .menuBar = last.second.menuBar, .toolbar = last.second.toolbar};
 }
 
 WindowPeer::WindowPeer(port::WindowClient& client, CGSize contentSize, port::WindowStyle style)
@@ -221,10 +75,7 @@ std::unique_ptr<port::ViewPeer> WindowPeer::makeContent(port::ViewClient& client
     widget_->contentWidget = content;
     widget_->link->content = content;
     widget_->placeContent();
-    content->show();
-    auto peer = std::make_unique<PlainPeer>(content);
-    peer->link = widget_->link;
-    return peer;
+    return std::make_unique<PlainPeer>(content);
 }
 
 // Showing, resizing and limiting a widget reach the client at once, which may let go of this peer.
@@ -239,9 +90,10 @@ void WindowPeer::show(bool activate) {
     if (widget) widget->activateWindow();
 }
 
-void WindowPeer::showModal() {
+std::unique_ptr<port::TrackingLoop> WindowPeer::beginModal() {
     WindowWidget* const widget = widget_.data();
-    if (!widget) return;
+    if (!widget) return std::make_unique<QtLoop>();
+    auto loop = std::make_unique<ModalLoop>(*widget);
     QWidget* const inFront = QApplication::activeWindow();
     widget->setWindowFlag(Qt::Dialog);
     widget->setWindowModality(Qt::ApplicationModal);
@@ -254,6 +106,7 @@ void WindowPeer::showModal() {
         widget->move(widget->screen()->availableGeometry().center() - widget->rect().center());
     }
     show(true);
+    return loop;
 }
 
 void WindowPeer::showAsSheet(port::WindowPeer& parent) {
@@ -262,7 +115,7 @@ void WindowPeer::showAsSheet(port::WindowPeer& parent) {
     auto* const peer = dynamic_cast<TopLevelPeer*>(&parent);
     QWidget* const over = peer ? peer->topLevel() : nullptr;
     widget->setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint);
-    if (!widget->edge) widget->edge = new Edge(widget);
+    if (!widget->edge) widget->edge = new SheetEdge(widget);
     widget->edge->show();
     if (!over) widget->setWindowModality(Qt::ApplicationModal);
     widget->winId(); // there is a window from here on
@@ -364,7 +217,7 @@ void WindowPeer::setFrameTopLeft(CGPoint topLeft) {
 
 double WindowPeer::topInset() const {
     if (!widget_) return 0;
-    return widget_->geometry().top() - widget_->frameGeometry().top() + widget_->barHeight();
+    return titleBarHeight(*widget_) + widget_->barHeight();
 }
 
 template <class Bar>
@@ -386,8 +239,7 @@ void WindowPeer::replace(Bar*& place, Bar* bar) {
 }
 
 void WindowPeer::setToolbar(const std::vector<port::ToolbarItem>& items, port::ToolbarClient* client) {
-    if (widget_)
-        replace<QToolBar>(widget_->bar, items.empty() ? nullptr : new Toolbar(widget_, items, *client));
+    if (widget_) replace(widget_->toolbar, items.empty() ? nullptr : new Toolbar(widget_, items, client));
 }
 
 void WindowPeer::setMenuBar(const std::vector<port::MenuItem>& items) {
@@ -395,7 +247,7 @@ void WindowPeer::setMenuBar(const std::vector<port::MenuItem>& items) {
 }
 
 void WindowPeer::selectToolbarItem(std::optional<std::size_t> index) {
-    if (auto* const bar = widget_ ? dynamic_cast<Toolbar*>(widget_->bar) : nullptr) bar->select(index);
+    if (widget_ && widget_->toolbar) widget_->toolbar->select(index);
 }
 
 double WindowPeer::backingScale() const { return widget_ ? widget_->devicePixelRatioF() : 1; }

@@ -9,10 +9,17 @@ namespace zr::port {
 
 class LabelPeer : public virtual ViewPeer {
 public:
+    struct Parts {};
     virtual void setText(const std::string& text) = 0;
     virtual void setWraps(bool wraps) = 0; // lines at the width, instead of shortening the one there is
     virtual void setAppearance(const FontDescription& font, const Colour& colour,
                                NSTextAlignment alignment) = 0;
+};
+
+// Of many lines, with a bar to scroll it.
+class ScrollingTextPeer : public LabelPeer {
+public:
+    struct Parts {};
 };
 
 struct TextFieldLook {
@@ -38,6 +45,9 @@ public:
 
 class TextFieldPeer : public virtual ViewPeer {
 public:
+    struct Parts {
+        TextFieldClient& field;
+    };
     virtual void setText(const std::string& text) = 0;
     virtual void setLook(const TextFieldLook& look) = 0;
     virtual void setEditing(bool editable, bool selectable) = 0;
@@ -51,8 +61,15 @@ public:
     virtual void peerPressed() = 0; // clicked, or pressed by the keyboard
 };
 
+// Beside and above a button's title, both sides together; as it usually is, for sizes before there is a real
+// one.
+inline constexpr CGSize kUsualButtonPadding{32, 14};
+
 class ButtonPeer : public virtual ViewPeer {
 public:
+    struct Parts {
+        ButtonClient& button;
+    };
     virtual void setTitle(const std::string& title) = 0;
     virtual void setEnabled(bool enabled) = 0;
     virtual void setDefault(bool isDefault) = 0; // the look of the button that Return presses
@@ -67,9 +84,25 @@ struct Progress {
     bool operator==(const Progress&) const = default;
 };
 
+// A bar.
 class ProgressPeer : public virtual ViewPeer {
 public:
+    struct Parts {};
     virtual void setProgress(const Progress& progress) = 0;
 };
+
+// Something round.
+class SpinnerPeer : public ProgressPeer {
+public:
+    struct Parts {};
+};
+
+using ControlMakers = Makers< //
+    ButtonPeer,               //
+    LabelPeer,                //
+    ProgressPeer,             //
+    ScrollingTextPeer,        //
+    SpinnerPeer,              //
+    TextFieldPeer>;
 
 } // namespace zr::port

@@ -2,6 +2,7 @@
 
 #include <WindowSystem/Windows.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,17 @@ public:
 class OpenPanelPeer {
 public:
     virtual ~OpenPanelPeer() = default;
+    // Of a panel in front of all windows: waits for it. They are blocked by the panel itself.
+    virtual std::unique_ptr<TrackingLoop> beginModal() = 0;
+};
+
+// A window system is one of these, too.
+class PanelMaker {
+public:
+    virtual ~PanelMaker() = default;
+    // In front of the window, which gets no input meanwhile, or of all windows. Returns at once.
+    virtual std::unique_ptr<OpenPanelPeer> showOpenPanel(const OpenPanel& panel, WindowPeer* over,
+                                                         OpenPanelClient& client) = 0;
 };
 
 } // namespace zr::port

@@ -23,10 +23,16 @@ public:
     virtual void peerScrolled(const CGRect& visible) = 0;
 };
 
+// For places before there is a real table.
+inline constexpr double kUsualRowHeight = 19;
+
 // Shows rows of texts, all of the same height, and scrolls them. What the user does besides comes to the window
 // as events.
 class TablePeer : public virtual ViewPeer {
 public:
+    struct Parts {
+        TableClient& table;
+    };
     virtual void setColumns(const std::vector<TableColumn>& columns) = 0; // the titles are the header's
     virtual void reload(std::size_t rowCount) = 0; // the texts are asked for again, when they are shown
     virtual void setSelection(const std::set<std::size_t>& rows) = 0;
@@ -44,8 +50,16 @@ public:
 // The titles above a table.
 class TableHeaderPeer : public virtual ViewPeer {
 public:
+    struct Parts {
+        TableHeaderClient& header;
+    };
+    virtual void setTable(TablePeer* table) = 0; // null while it has none
     virtual void setColumns(const std::vector<TableColumn>& columns) = 0;
     virtual void setOffset(double x) = 0; // as far as the table is scrolled
 };
+
+using TableMakers = Makers< //
+    TablePeer,              //
+    TableHeaderPeer>;
 
 } // namespace zr::port

@@ -12,36 +12,33 @@
 #include <string>
 #include <vector>
 
-// The port is y-down: origins are at the top left, lengths in points. Everything happens on the main thread.
-// A peer is owned by its client and tells it when the window system took the real thing away (peerGone); after
-// that the peer does nothing any more. A client may destroy its peer in the middle of a call from it.
+// What a window system must offer. The port is y-down: origins are at the top left, lengths in points.
+// Everything happens on the main thread. A peer is owned by its client and tells it when the window system took
+// the real thing away (peerGone); after that the peer does nothing any more. A client may destroy its peer in
+// the middle of a call from it.
 namespace zr::port {
-
-class ButtonClient;
-class ButtonPeer;
-class LabelPeer;
-class OpenPanelClient;
-class OpenPanelPeer;
-class ProgressPeer;
-class TableClient;
-class TableHeaderClient;
-class TableHeaderPeer;
-class TablePeer;
-class TextFieldClient;
-class TextFieldPeer;
-struct OpenPanel;
 
 class ViewClient {
 public:
     virtual ~ViewClient() = default;
-    // Draw into the canvas, whose coordinates are the view's own. `dirty` is y-down, within the view.
+    // Draw into the canvas, whose coordinates are the view's own. `dirty` is y-down, within the view. Comes
+    // only after invalidate(), and when the view is first seen or has another size: what was drawn is kept by
+    // the adaptor.
     virtual void peerDraw(Canvas& canvas, const CGRect& dirty) = 0;
     // Whether the canvas of this view is to run its y axis upwards.
     virtual bool peerDrawsUpwards() const = 0;
-    virtual void peerFocusChanged(bool focused) = 0;
+    // Whether a press on the window system's own control gives it the keyboard.
+    virtual bool peerTakesFocusByPress() const = 0;
+    // Asked before the user's doing moves the keyboard here. Whoever has it is asked to let it go, with
+    // everything that may follow from that; where it did, the client has called focus() already. False: it
+    // stays where it is, and a press that would have moved it does nothing.
+    virtual bool peerMayTakeFocus() = 0;
+    virtual void peerFocusChanged(bool focused) = 0; // only confirms where the keyboard is
     virtual void peerGone() = 0;
 };
 
+// Its parent's peer was made before it. A peer stands where it was placed: no window system resizes or moves it
+// by itself when its parent changes. The frame comes before the first drawing.
 class ViewPeer {
 public:
     virtual ~ViewPeer() = default;
@@ -50,7 +47,7 @@ public:
     virtual void setHidden(bool hidden) = 0;
     virtual void raise() = 0;      // in front of its siblings
     virtual void invalidate() = 0; // the whole view is drawn again at the end of the current event
-    virtual void focus() = 0;      // takes the keyboard
+    virtual void focus() = 0;      // takes the keyboard, and asks nobody
     virtual void setName(const std::string& name) = 0; // for tests and accessibility
 };
 
@@ -69,13 +66,27 @@ public:
 
 struct MenuItem {
     std::string title{};
-    std::string key{};               // that is as good as choosing the item; only shown here, empty for none
+    // A key that is as good as choosing the item; empty for none. The window system shows it, and may act on it
+    // by itself: then it asks for the menus that lead to the item and chooses it, and the window does not get
+    // the key.
+    std::string key{};
     std::uint32_t modifierFlags = 0; // of the key
     bool enabled = true;
     bool separator = false;
-    // Of an item with a menu of its own: what is in it. Asked each time that menu is to be shown.
+    // Of an item with a menu of its own: what is in it. Asked each time that menu is about to be shown, and not
+    // before.
     std::function<std::vector<MenuItem>()> submenu{};
     std::function<void()> choose{}; // may take the window away
+};
+
+// What stands above the content of a window, which keeps its size: the menu bar, and below it the toolbar.
+class WindowBars {
+public:
+    virtual ~WindowBars() = default;
+    virtual void setMenuBar(const std::vector<MenuItem>& items) = 0; // none: takes it away
+    virtual void setToolbar(const std::vector<ToolbarItem>& items,
+                            ToolbarClient* client) = 0; // which outlives it
+    virtual void selectToolbarItem(std::optional<std::size_t> index) = 0;
 };
 
 class WindowClient {
@@ -90,8 +101,8 @@ public:
     virtual void peerClosed() = 0; // by the user or by close()
     virtual void peerKeyChanged(bool key) = 0;
     virtual void peerMoved() = 0; // on the screen, or to a screen of another scale
-    virtual void
-    peerBlocked() = 0; // by a modal dialog: no input comes any more, a release that is due included
+    // By a dialog that is none of our windows: no input comes any more, a release that is due included.
+    virtual void peerBlocked() = 0;
     virtual void peerGone() = 0;
 
     // Of a window that belongs to a host, what the host does by itself. It is closed with peerClosed.
@@ -110,11 +121,9 @@ class WindowPeer {
 public:
     virtual ~WindowPeer() = default;
     virtual void show(bool activate) = 0;
-    // In front of all other windows, in the middle of the one that was in front; they get no input until this
-    // one is hidden or closed.
-    virtual void showModal() = 0;
     // Over the parent's upper edge, in the middle of it, and moving with it; the parent gets no input until
-    // this one is hidden or closed. Other windows do.
+    // this one is hidden or closed. Other windows do, unless the window system knows only dialogs that block
+    // all of them.
     virtual void showAsSheet(WindowPeer& parent) = 0;
     virtual void endSheet() = 0; // stays visible, and blocks nothing any more
     virtual void hide() = 0;
@@ -128,13 +137,20 @@ public:
     // every window system lets programs place windows, or tells where they are.
     virtual CGPoint frameTopLeft() const = 0;
     virtual void setFrameTopLeft(CGPoint topLeft) = 0;
-    virtual double topInset() const = 0; // from the frame's top to the content's, as far as it is known
-    // Above the content, which keeps its size; no items take it away. The client outlives it.
-    virtual void setToolbar(const std::vector<ToolbarItem>& items, ToolbarClient* client) = 0;
-    virtual void selectToolbarItem(std::optional<std::size_t> index) = 0;
-    // Above the toolbar, where menus stand in windows; the content keeps its size. No items take it away.
-    virtual void setMenuBar(const std::vector<MenuItem>& items) = 0;
+    virtual double topInset() const = 0;     // from the frame's top to the content's, as far as it is known
+    virtual WindowBars* bars() = 0;          // null for a window whose bars are its host's
     virtual double backingScale() const = 0; // device pixels for a point
+};
+
+// While it lives, the program waits for input in the middle of handling an event. Input for our views comes to
+// the window's client as always.
+class TrackingLoop {
+public:
+    virtual ~TrackingLoop() = default;
+    // Runs the window system, with timers, queues and drawing, until wake(). False when it ended for another
+    // reason, and nothing more is to come. May be nested.
+    virtual bool wait() = 0;
+    virtual void wake() = 0; // every wait that is under way
 };
 
 // Points, from the top left of the primary screen.
@@ -143,7 +159,52 @@ struct Screen {
     CGRect visibleFrame; // without the desktop's own bars
 };
 
-// Makes peers. A view's peer is made as a child of its superview's.
+// Heights of what may stand above a window's content.
+struct WindowInsets {
+    double titleBar = 0;
+    double menuBar = 0;
+    double toolbar = 0;
+};
+
+// Makes peers of one kind, as children of their superview's peer. `Parts` is what such a peer needs beside a
+// view's.
+template <class Peer>
+class Maker {
+public:
+    virtual ~Maker() = default;
+    virtual std::unique_ptr<Peer> make(ViewPeer& parent, ViewClient& client,
+                                       const typename Peer::Parts& parts) = 0;
+};
+
+// The kinds of peers of one wing.
+template <class... Peers>
+class Makers : public Maker<Peers>... {
+public:
+    using Maker<Peers>::make...;
+};
+
+// An adaptor's way to offer all kinds of a wing: by the list of its own classes. Each names the interface that
+// it implements as Interface, and is made of parent, client and parts.
+template <class Kinds, class Peer, class... Others>
+class MakersBy : public MakersBy<Kinds, Others...> {
+public:
+    using MakersBy<Kinds, Others...>::make;
+    std::unique_ptr<typename Peer::Interface> make(ViewPeer& parent, ViewClient& client,
+                                                   const typename Peer::Interface::Parts& parts) override {
+        return std::make_unique<Peer>(parent, client, parts);
+    }
+};
+template <class Kinds, class Peer>
+class MakersBy<Kinds, Peer> : public Kinds {
+public:
+    using Kinds::make;
+    std::unique_ptr<typename Peer::Interface> make(ViewPeer& parent, ViewClient& client,
+                                                   const typename Peer::Interface::Parts& parts) override {
+        return std::make_unique<Peer>(parent, client, parts);
+    }
+};
+
+// What a view asks for its peer. A window system is a Maker of every kind of each wing as well.
 class PeerFactory {
 public:
     virtual ~PeerFactory() = default;
@@ -151,32 +212,11 @@ public:
                                                    WindowStyle style) = 0;
     virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
     virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;
-    virtual std::unique_ptr<LabelPeer> makeLabel(ViewPeer& parent, ViewClient& client) = 0;
-    // Of many lines, with a bar to scroll it.
-    virtual std::unique_ptr<LabelPeer> makeScrollingText(ViewPeer& parent, ViewClient& client) = 0;
-    // A bar, or something round.
-    virtual std::unique_ptr<ProgressPeer> makeProgress(ViewPeer& parent, ViewClient& client, bool spinning) = 0;
-    virtual std::unique_ptr<TextFieldPeer> makeTextField(ViewPeer& parent, ViewClient& client,
-                                                         TextFieldClient& field) = 0;
-    virtual std::unique_ptr<ButtonPeer> makeButton(ViewPeer& parent, ViewClient& client,
-                                                   ButtonClient& button) = 0;
-    virtual std::unique_ptr<TablePeer> makeTable(ViewPeer& parent, ViewClient& client, TableClient& table) = 0;
-    virtual std::unique_ptr<TableHeaderPeer> makeTableHeader(ViewPeer& parent, ViewClient& client,
-                                                             TableHeaderClient& header) = 0;
-};
 
-// While it lives, the program waits for input in the middle of handling an event. Input for our views comes to
-// the window's client as always; what is meant for anything else is held back, and handed out when the loop is
-// destroyed.
-class TrackingLoop {
-public:
-    virtual ~TrackingLoop() = default;
-    // Runs the window system, with timers, queues and drawing, until wake(). False when it ended for another
-    // reason, and nothing more is to come. May be nested.
-    virtual bool wait() = 0;
-    virtual void wake() = 0; // every wait that is under way
-    // Whether input for others is held back, as it is at first.
-    virtual void holdBack(bool holds) = 0;
+    template <class Peer>
+    std::unique_ptr<Peer> make(ViewPeer& parent, ViewClient& client, const typename Peer::Parts& parts = {}) {
+        return dynamic_cast<Maker<Peer>&>(*this).make(parent, client, parts);
+    }
 };
 
 class WindowSystem : public Graphics, public PeerFactory {
@@ -184,12 +224,19 @@ public:
     virtual Appearance appearance() const = 0;
     virtual void setAppearance(std::optional<Appearance> appearance) = 0; // nothing: follow the desktop
     virtual std::vector<Screen> screens() const = 0;                      // the primary one first; may be none
-    virtual void run() = 0;                                               // until stop()
+    // As high as they are expected to be before there is a window.
+    virtual WindowInsets usualInsets() const = 0;
+    // Whether each window has its menu bar, or there is one for all of them.
+    virtual bool menusStandInWindows() const { return true; }
+    virtual void setMainMenu(const std::vector<MenuItem>&) {} // where there is one for all
+    virtual void run() = 0;                                   // until stop()
     virtual void stop() = 0;
+    // For a view that follows the pointer: what is meant for anything else than our views is held back, and
+    // handed out when the loop is destroyed. It comes through while a modal loop lives that began later.
     virtual std::unique_ptr<TrackingLoop> beginTracking() = 0;
-    // In front of the window, which gets no input meanwhile, or of all windows. Returns at once.
-    virtual std::unique_ptr<OpenPanelPeer> showOpenPanel(const OpenPanel& panel, WindowPeer* over,
-                                                         OpenPanelClient& client) = 0;
+    // Shows the window in front of all others, in the middle of the one that was in front. They get no input
+    // until the loop is destroyed, or the window hidden or closed; the client knows, and is not told so.
+    virtual std::unique_ptr<TrackingLoop> beginModal(WindowPeer& window) = 0;
 };
 
 // The portable side, as adaptors see it.

@@ -17,6 +17,7 @@
 namespace zr::headless {
 
 class System;
+class View;
 
 // A window, seen from outside. Points are in window coordinates: from the lower left of the content, y up.
 class Window {
@@ -55,25 +56,29 @@ public:
 
     // Of the view of that name: what it drew last, how often it has drawn, where it stands (y-down, in the
     // content).
-    virtual const std::vector<std::string>& drawing(std::string_view viewName) const = 0;
-    virtual int drawCount(std::string_view viewName) const = 0;
-    virtual std::optional<CGRect> frameInContent(std::string_view viewName) const = 0;
-    virtual std::string labelText(std::string_view viewName) const = 0; // or of a field or button
+    const std::vector<std::string>& drawing(std::string_view viewName) const;
+    int drawCount(std::string_view viewName) const;
+    std::optional<CGRect> frameInContent(std::string_view viewName) const;
+    std::string labelText(std::string_view viewName) const; // or of a field or button
     // Of a field: "editable", "selectable", "bezel", "background", "ring", "all selected"; of a button
     // "default"; of a label "scrolls"; of a progress indicator "running".
-    virtual std::vector<std::string> traits(std::string_view viewName) const = 0;
-    virtual double shownProgress(std::string_view viewName) const = 0; // 0 to 1; -1 while it is not known
+    std::vector<std::string> traits(std::string_view viewName) const;
+    double shownProgress(std::string_view viewName) const; // 0 to 1; -1 while it is not known
     // Of a table: the texts of the rows that are seen, in part too; which rows are marked.
-    virtual std::vector<std::vector<std::string>> visibleRows(std::string_view viewName) const = 0;
-    virtual std::vector<std::size_t> selectedRows(std::string_view viewName) const = 0;
+    std::vector<std::vector<std::string>> visibleRows(std::string_view viewName) const;
+    std::vector<std::size_t> selectedRows(std::string_view viewName) const;
     // False where the row is not seen.
-    virtual bool clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags = 0) = 0;
+    bool clickRow(std::string_view viewName, std::size_t row, std::uint32_t modifierFlags = 0);
     // Of a table's header.
-    virtual std::vector<std::string> columnTitles(std::string_view viewName) const = 0;
-    virtual std::vector<double> columnWidths(std::string_view viewName) const = 0; // of a table, too
-    virtual void resizeColumn(std::string_view viewName, std::size_t column, double width) = 0;
-    virtual bool isSheet() const = 0;                       // over another window at the moment
-    virtual std::vector<std::string> viewNames() const = 0; // from back to front, superviews first
+    std::vector<std::string> columnTitles(std::string_view viewName) const;
+    std::vector<double> columnWidths(std::string_view viewName) const; // of a table, too
+    void resizeColumn(std::string_view viewName, std::size_t column, double width);
+    virtual bool isSheet() const = 0;           // over another window at the moment
+    std::vector<std::string> viewNames() const; // from back to front, superviews first
+
+protected:
+    virtual View* content() const = 0;            // null while there is none
+    View& named(std::string_view viewName) const; // throws std::out_of_range
 };
 
 // A dialog in which the user chooses files or folders, seen from outside.
@@ -100,8 +105,9 @@ struct Options {
     std::vector<std::string> preferredLanguages = {"en"};
     std::filesystem::path mainBundle = "/nonexistent";
     std::filesystem::path userDefaults{}; // file of the user defaults; empty: none, they are kept in memory
-    bool workerThread =
-        false; // background blocks run on a thread of their own, instead of waiting to be stepped
+    // Background blocks run on a thread of their own, instead of waiting to be stepped.
+    bool workerThread = false;
+    bool menusInWindows = true; // or one menu bar for all
 };
 
 // Installed while it lives; at most one at a time.
@@ -116,6 +122,10 @@ public:
     std::vector<Window*> windows() const;
 
     std::vector<OpenPanel*> openPanels() const; // that are shown, in the order in which they were
+
+    // Of the menu bar that is there for all windows, as Window's.
+    std::vector<std::string> mainMenuItems(const std::vector<std::string>& menu = {}) const;
+    bool clickMainMenuItem(const std::vector<std::string>& titles);
 
     double now() const; // seconds, since an arbitrary moment
     // Lets time pass: blocks of the main queue that become due run, each at its time. Then displays.
