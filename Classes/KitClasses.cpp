@@ -19,9 +19,8 @@
 #include <AppKit/NSViewController.h>
 #include <AppKit/NSWindow.h>
 #include <AppKit/NSWindowController.h>
-#include <Foundation/NSBundle.h>
-#include <Foundation/NSNull.h>
-#include <Foundation/NSRunLoop.h>
+#include <Foundation/FileClasses.h>
+#include <Foundation/ObjectClasses.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/MASPreferencesWindowController.h>
 #include <ZRUIKit/ProgressSliderView.h>
@@ -33,16 +32,23 @@
 #include <ZRUIKit/ZRTrustedPathViewCtl.h>
 
 #include <array>
+#include <initializer_list>
+#include <vector>
 
 namespace zr {
 
+namespace {
+using Tables = std::span<const ClassTable* const>;
+
+std::vector<const ClassTable*> joined(std::initializer_list<Tables> lists) {
+    std::vector<const ClassTable*> all;
+    for (const Tables list : lists) all.insert(all.end(), list.begin(), list.end());
+    return all;
+}
+} // namespace
+
 std::span<const ClassTable* const> kitClassTables() {
-    static const std::array tables = {
-        &NSObject::classTable(),
-        &NSBundle::classTable(),
-        &NSNull::classTable(),
-        &NSPort::classTable(),
-        &NSRunLoop::classTable(),
+    static const std::array own = {
         &NSResponder::classTable(),
         &NSAlert::classTable(),
         &NSApplication::classTable(),
@@ -78,7 +84,9 @@ std::span<const ClassTable* const> kitClassTables() {
         &NSTableHeaderView::classTable(),
         &NSTableView::classTable(),
     };
-    return tables;
+    // Leaked on purpose: background threads may ask until the process is gone.
+    static const auto* const tables = new auto(joined({objectClassTables(), fileClassTables(), own}));
+    return *tables;
 }
 
 } // namespace zr
