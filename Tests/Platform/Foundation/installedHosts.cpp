@@ -136,6 +136,33 @@ TEST_F(InstalledHosts, MakeAPartOnceForAllThreads) {
     EXPECT_THAT(seen, testing::Each(&host->part<Slow>()));
 }
 
+// The thread sanitizer looks on.
+TEST_F(InstalledHosts, MayBeReplacedWhileOtherThreadsUseThem) {
+    const test::TemporaryFolder folder;
+    std::filesystem::create_directories(folder.path() / "main/fr.lproj");
+    backend::Host host;
+    host.mainBundle = folder.path() / "main";
+    host.preferredLanguages = std::vector<std::string>{"fr"};
+    host.userDefaults = std::filesystem::path();
+    backend::install(host);
+    std::atomic<bool> isOver = false;
+    std::atomic<int> rounds = 0, wrong = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&] {
+            for (; !isOver; ++rounds) {
+                wrong += backend::preferredLocalization() != "fr";
+                const auto defaults = NSUserDefaults::standardUserDefaults();
+                defaults->setObject_forKey(1, "k");
+                wrong += defaults->integerForKey("k") != 1;
+            }
+        });
+    for (int i = 0; i < 100 || rounds < 100; ++i) backend::install(host);
+    isOver = true;
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST_F(InstalledHosts, SeeTheEnvironmentAsItWasThen) {
     const test::TemporaryFolder folder;
     const char* const name = "XDG_CONFIG_HOME";
