@@ -50,7 +50,8 @@ void install(Host host);
 // answer. From then on nothing there can be had until another host is installed.
 void stopWaiting();
 void uninstall();
-// The language that the application speaks, as its main bundle names it; empty where it has none.
+// The language that the application speaks, as its main bundle names it; empty where it has none. Answered by
+// whoever has the bundles.
 std::string preferredLocalization();
 
 } // namespace zr::backend

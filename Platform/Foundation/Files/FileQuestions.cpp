@@ -1,5 +1,7 @@
 #include "FileQuestions.h"
 
+#include <FoundationBackends/Waiting.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -142,7 +144,11 @@ FileQuestions::FileQuestions(std::chrono::milliseconds patience, std::string mou
 
 // Leaked on purpose: threads may ask until the process is gone.
 FileQuestions& FileQuestions::shared() {
-    static auto* const questions = new FileQuestions;
+    static auto* const questions = [] {
+        auto* const made = new FileQuestions;
+        backend::observeWaiting([made](bool mayWait) { made->setWaits(mayWait); });
+        return made;
+    }();
     return *questions;
 }
 

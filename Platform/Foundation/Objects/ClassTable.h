@@ -98,7 +98,8 @@ Number narrowed(double value) {
         return static_cast<Number>(value);
     } else {
         // One more than the greatest is a power of two, and so exact.
-        constexpr double end = 2.0 * static_cast<double>(std::numeric_limits<Number>::max() / 2 + 1);
+        constexpr Number half = std::numeric_limits<Number>::max() / 2 + 1;
+        constexpr double end = 2.0 * static_cast<double>(half);
         constexpr auto least = static_cast<double>(std::numeric_limits<Number>::min());
         if (value != value) return 0;
         if (value >= end) return std::numeric_limits<Number>::max();

@@ -1,8 +1,8 @@
 #include "Bookmark.h"
 #include "FileQuestions.h"
-#include "HostState.h"
 
 #include <Foundation/NSURL.h>
+#include <FoundationBackends/InstalledHost.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -58,7 +58,7 @@ std::optional<Value> split(ValueOr<Value> outcome, std::optional<NSError>* error
 
 // The part of the path below the documents' folder; empty when it is none of them.
 std::string documentAt(const std::string& path) {
-    const auto portal = backend::current()->portal;
+    const auto portal = backend::current()->host.portal;
     const auto folder = portal ? portal->documentsFolder() : std::nullopt;
     if (!folder || !path.starts_with(*folder + "/")) return {};
     return path.substr(folder->size() + 1);
@@ -85,7 +85,7 @@ struct FoundItem {
 };
 
 ValueOr<FoundItem> findDocument(const Bookmark& bookmark) {
-    const auto portal = backend::current()->portal;
+    const auto portal = backend::current()->host.portal;
     const auto folder = portal ? portal->documentsFolder() : std::nullopt;
     if (!folder) return fileError(NSFileReadUnknownError, "No portal hands out documents: " + bookmark.path);
     const std::string path = *folder + "/" + bookmark.document;

@@ -1,6 +1,5 @@
-#include "HostState.h"
-
 #include <Foundation/Dispatch.h>
+#include <FoundationBackends/InstalledHost.h>
 
 #include <algorithm>
 #include <limits>
@@ -9,7 +8,7 @@ namespace zr {
 
 dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds) {
     if (when == DISPATCH_TIME_NOW) {
-        const auto queues = backend::current()->queues;
+        const auto queues = backend::current()->host.queues;
         when = queues ? queues->now() : 0;
     }
     const auto distance = static_cast<std::uint64_t>(nanoseconds);
@@ -20,7 +19,7 @@ dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds) {
 }
 
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
-    const auto queues = backend::current()->queues;
+    const auto queues = backend::current()->host.queues;
     if (!queues) return;
     if (queue == dispatch_queue_t::main)
         queues->postToMain(queues->now(), std::move(block));
@@ -29,7 +28,7 @@ void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
 }
 
 void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) {
-    const auto queues = backend::current()->queues;
+    const auto queues = backend::current()->host.queues;
     if (!queues) return;
     when = std::max(when, queues->now()); // what is due already does not overtake what waits
     if (queue == dispatch_queue_t::main) {
@@ -42,7 +41,7 @@ void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block
 }
 
 bool NSThread::isMainThread() {
-    const auto queues = backend::current()->queues;
+    const auto queues = backend::current()->host.queues;
     return !queues || queues->isMainThread();
 }
 

@@ -54,10 +54,33 @@ private:
     void onlyMakeMakesObjects() const override {}
 };
 
+// In one piece with its counter an object's memory would stay as long as a weak reference, and the address
+// sanitizer would see nothing wrong in the use of an object that has gone.
+#if defined(__SANITIZE_ADDRESS__)
+#define ZR_COUNTER_APART 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZR_COUNTER_APART 1
+#endif
+#endif
+
+namespace detail {
+template <class T>
+std::shared_ptr<Made<T>> constructed() {
+#ifdef ZR_COUNTER_APART
+    return std::shared_ptr<Made<T>>(new Made<T>());
+#else
+    return std::make_shared<Made<T>>();
+#endif
+}
+} // namespace detail
+
+#undef ZR_COUNTER_APART
+
 // make<NSImage>(&NSImage::initWithSize, size)
 template <class T, class Base, class... Parameters, class... Arguments>
 std::shared_ptr<T> make(bool (Base::*initialiser)(Parameters...), Arguments&&... arguments) {
-    auto object = std::make_shared<Made<T>>();
+    auto object = detail::constructed<T>();
     if (!(static_cast<Base&>(*object).*initialiser)(std::forward<Arguments>(arguments)...)) return nullptr;
     return object;
 }

@@ -1,8 +1,9 @@
-#include "HostState.h"
-#include "StringsTable.h"
+#include "UserLanguages.h"
 
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSLog.h>
+#include <Foundation/StringsTable.h>
+#include <FoundationBackends/InstalledHost.h>
 
 #include <algorithm>
 #include <array>
@@ -55,16 +56,42 @@ std::string firstMatch(const std::vector<std::string>& available, const std::vec
     return match(available, kDevelopmentLanguage).value_or("Base");
 }
 
+std::shared_ptr<NSBundle> bundleAt(const fs::path& path) {
+    return make<NSBundle>(&NSBundle::initWithPath, path);
+}
+
+fs::path mainBundlePath(const backend::InstalledHost& installed) {
+    if (installed.host.mainBundle) return *installed.host.mainBundle;
+    const fs::path& program = installed.program.executable;
+    return program.parent_path().parent_path() / "share" / program.filename();
+}
+
+// The kit's resources lie at a fixed place relative to its library.
+fs::path kitBundlePath(const backend::Program& program) {
+    return (program.library.parent_path() / ZRUIKIT_RESOURCES_FROM_LIBRARY).lexically_normal();
+}
+
+struct Bundles : backend::Part {
+    explicit Bundles(const backend::InstalledHost& installed)
+        : ofProgram(bundleAt(mainBundlePath(installed)))
+        , ofKit(bundleAt(kitBundlePath(installed.program)))
+        , languages(userLanguages(installed)) {}
+
+    const std::shared_ptr<NSBundle> ofProgram, ofKit;
+    const std::vector<std::string> languages;
+};
+
 } // namespace
 
 ZR_CLASS_TABLE(NSBundle)
 
-NSBundle& NSBundle::mainBundle() { return *backend::current()->mainBundle; }
+NSBundle& NSBundle::mainBundle() { return *backend::current()->part<Bundles>().ofProgram; }
 
 NSBundle& NSBundle::bundleForClass(const ClassTable& table) {
     const auto ours = kitClassTables();
     const auto host = backend::current();
-    return std::ranges::find(ours, &table) != ours.end() ? *host->kitBundle : *host->mainBundle;
+    const auto& bundles = host->part<Bundles>();
+    return std::ranges::find(ours, &table) != ours.end() ? *bundles.ofKit : *bundles.ofProgram;
 }
 
 bool NSBundle::initWithPath(const fs::path& path) {
@@ -84,10 +111,16 @@ std::vector<std::string> NSBundle::localizations() const {
 
 std::string NSBundle::preferredLocalization() const {
     const auto host = backend::current();
-    const auto mainLanguages = host->mainBundle->localizations();
-    if (mainLanguages.empty() || this == host->mainBundle.get())
-        return firstMatch(localizations(), host->preferredLanguages);
-    return firstMatch(localizations(), {firstMatch(mainLanguages, host->preferredLanguages)});
+    const auto& bundles = host->part<Bundles>();
+    const auto mainLanguages = bundles.ofProgram->localizations();
+    if (mainLanguages.empty() || this == bundles.ofProgram.get())
+        return firstMatch(localizations(), bundles.languages);
+    return firstMatch(localizations(), {firstMatch(mainLanguages, bundles.languages)});
+}
+
+std::string backend::preferredLocalization() {
+    const auto host = current();
+    return host->part<Bundles>().ofProgram->preferredLocalization();
 }
 
 std::optional<fs::path> NSBundle::pathOfTable(const std::string& name) const {

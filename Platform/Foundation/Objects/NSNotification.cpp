@@ -1,6 +1,5 @@
-#include "HostState.h"
-
 #include <Foundation/NSNotification.h>
+#include <FoundationBackends/InstalledHost.h>
 
 #include <algorithm>
 #include <utility>
@@ -49,6 +48,15 @@ void NSNotificationCenter::postNotification(const NSNotification& notification) 
     std::erase_if(registrations_, [](const auto& each) { return each.expired(); });
 }
 
-NSNotificationCenter& NSNotificationCenter::defaultCenter() { return *backend::current()->notificationCenter; }
+namespace {
+struct DefaultCenter : backend::Part {
+    explicit DefaultCenter(const backend::InstalledHost&) {}
+    const std::shared_ptr<NSNotificationCenter> center = make<NSNotificationCenter>();
+};
+} // namespace
+
+NSNotificationCenter& NSNotificationCenter::defaultCenter() {
+    return *backend::current()->part<DefaultCenter>().center;
+}
 
 } // namespace zr

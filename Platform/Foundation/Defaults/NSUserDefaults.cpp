@@ -1,10 +1,10 @@
 #include "DefaultsFile.h"
-#include "HostState.h"
 
 #include <Foundation/Dispatch.h>
 #include <Foundation/NSLog.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
+#include <FoundationBackends/InstalledHost.h>
 
 #include <cmath>
 #include <limits>
@@ -26,16 +26,42 @@ std::int64_t wholePart(double number) {
     return static_cast<std::int64_t>(number);
 }
 
+namespace fs = std::filesystem;
+
+fs::path environmentPath(const backend::Program& program, std::string_view name) {
+    const auto value = program.variable(name);
+    return value.starts_with('/') ? value : ""; // others do not count
+}
+
+fs::path standardFile(const backend::InstalledHost& installed) {
+    if (installed.host.userDefaults) return *installed.host.userDefaults;
+    fs::path folder = environmentPath(installed.program, "XDG_CONFIG_HOME");
+    if (folder.empty()) {
+        folder = environmentPath(installed.program, "HOME");
+        if (folder.empty()) return {};
+        folder /= ".config";
+    }
+    fs::path file = folder / installed.program.executable.filename();
+    file += ".plist";
+    return file;
+}
+
+struct Standard : backend::Part {
+    explicit Standard(const backend::InstalledHost& installed)
+        : defaults(make<NSUserDefaults>(&NSUserDefaults::initWithFile, standardFile(installed))) {}
+
+    void hostEnds() override { defaults->writeChanges(); }
+
+    const std::shared_ptr<NSUserDefaults> defaults;
+};
+
 } // namespace
 
 ZR_CLASS_TABLE(NSUserDefaults)
 
 std::shared_ptr<NSUserDefaults> NSUserDefaults::standardUserDefaults() {
     const auto host = backend::current();
-    const std::lock_guard guard(host->lock);
-    auto& defaults = host->userDefaults;
-    if (!defaults) defaults = make<NSUserDefaults>(&NSUserDefaults::initWithFile, host->userDefaultsFile);
-    return defaults;
+    return host->part<Standard>().defaults;
 }
 
 NSUserDefaults::NSUserDefaults() = default;

@@ -107,8 +107,12 @@ private:
         result.isOpen = true;
         result.contents = kCostOfAValue;
         result.height = 1;
+        addContents(result, offsetOf(object), depth);
+        result.isOpen = false;
+        return result;
+    }
 
-        std::uint64_t at = offsetOf(object);
+    void addContents(Measure& result, std::uint64_t at, int depth) {
         const std::uint8_t marker = objects_[at++];
         switch (marker >> 4) {
         case 0x0:
@@ -150,20 +154,21 @@ private:
         }
         case 0xD: {
             const auto length = lengthOf(marker, at);
-            const Bytes keys = take(at, length * referenceSize_);
-            for (std::uint64_t i = 0; i < length; ++i) {
-                const auto key = reference(keys, i);
-                if (key >= measures_.size()) throw Fault{"it points outside itself"};
-                if (typeOf(key) != 0x5 && typeOf(key) != 0x6) throw Fault{"a key is no text"};
-            }
+            checkKeys(take(at, length * referenceSize_), length);
             addElements(result, at, 2 * length, depth);
             break;
         }
         default:
             throw Fault{"it holds what cannot be kept"};
         }
-        result.isOpen = false;
-        return result;
+    }
+
+    void checkKeys(Bytes keys, std::uint64_t count) const {
+        for (std::uint64_t i = 0; i < count; ++i) {
+            const auto key = reference(keys, i);
+            if (key >= measures_.size()) throw Fault{"it points outside itself"};
+            if (typeOf(key) != 0x5 && typeOf(key) != 0x6) throw Fault{"a key is no text"};
+        }
     }
 
     void addElements(Measure& result, std::uint64_t at, std::uint64_t count, int depth) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "BinaryPropertyList.h"
+#include <Foundation/BinaryPropertyList.h>
 
 #include <chrono>
 #include <filesystem>

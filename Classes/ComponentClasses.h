@@ -1,0 +1,11 @@
+#pragma once
+
+#include <Foundation/ClassTable.h>
+
+#include <span>
+
+namespace zr {
+
+std::span<const ClassTable* const> componentClasses();
+
+} // namespace zr
