@@ -121,8 +121,9 @@ public:
                                                            port::TableHeaderClient& header) override;
     Appearance appearance() const override { return ownAppearance.value_or(options.appearance); }
     void setAppearance(std::optional<Appearance> appearance) override;
-    std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override {
-        return std::make_unique<RecordingBitmapCanvas>(size, scale, appearance());
+    std::shared_ptr<port::Bitmap> makeBitmap(CGSize size, double scale,
+                                             const port::OperationList& operations) override {
+        return drawnBitmap(size, scale, appearance(), operations);
     }
     std::vector<port::Screen> screens() const override {
         const CGRect whole{NSZeroPoint, options.screenSize};

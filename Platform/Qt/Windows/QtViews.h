@@ -1,7 +1,7 @@
 #pragma once
 
 #include <WindowSystem/Controls.h>
-#include <ZRUIKitQt/DisplayList.h>
+#include <WindowSystem/Drawing.h>
 
 #include <QInputEvent>
 #include <QLabel>
@@ -75,7 +75,7 @@ private:
     void key(QKeyEvent& event);
     QRegion drawAgain();
 
-    DisplayList shown_;
+    port::OperationList shown_;
     QPointF shift_; // from the exact corner to the whole point where the widget stands
     CGSize size_;
     bool drawn_ = false; // shown_ is what a drawing of this size gave

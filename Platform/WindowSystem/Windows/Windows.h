@@ -34,9 +34,9 @@ struct OpenPanel;
 class ViewClient {
 public:
     virtual ~ViewClient() = default;
-    // Draw into the canvas, whose coordinates are the view's own. `dirty` is y-down, within the view.
-    virtual void peerDraw(Canvas& canvas, const CGRect& dirty) = 0;
-    // Whether the canvas of this view is to run its y axis upwards.
+    // Add to the list, in the view's own coordinates. `dirty` is y-down, within the view.
+    virtual void peerDraw(OperationList& list, const CGRect& dirty) = 0;
+    // Whether y runs upwards in the coordinates of this view.
     virtual bool peerDrawsUpwards() const = 0;
     virtual void peerFocusChanged(bool focused) = 0;
     virtual void peerGone() = 0;
