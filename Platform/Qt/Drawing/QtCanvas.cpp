@@ -121,8 +121,7 @@ bool QtCanvas::copies() const {
 
 void QtCanvas::paint(const port::OperationList& list, const CGRect& part) {
     for (const auto& operation : list.operations())
-        if (port::OperationList::touches(operation, part))
-            std::visit([this](const auto& one) { paint(one); }, operation);
+        if (list.touches(operation, part)) std::visit([this](const auto& one) { paint(one); }, operation);
 }
 
 void QtCanvas::paint(const port::Clip& clip) { painter_.setClipPath(mapped(clip.path), Qt::IntersectClip); }

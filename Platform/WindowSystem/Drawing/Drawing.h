@@ -157,23 +157,30 @@ private:
 // with the next one, so that only what changed is painted. Assigning a list re-uses the memory of the old one.
 class OperationList {
 public:
-    template <class T>
-    void add(T operation) {
-        operations_.emplace_back(std::move(operation));
+    void add(Operation operation) {
+        nests_ = nests_ || nests(operation);
+        operations_.push_back(std::move(operation));
     }
-    void clear() { operations_.clear(); } // keeps its memory
+    // Keeps its memory.
+    void clear() {
+        operations_.clear();
+        nests_ = false;
+    }
     const std::vector<Operation>& operations() const { return operations_; }
     bool operator==(const OperationList&) const = default;
 
-    // Whether the operation has to be painted for `part` to look right.
-    static bool touches(const Operation& operation, const CGRect& part);
+    // Whether the operation has to be painted for `part` to look right. Where a list clips, all of it has.
+    bool touches(const Operation& operation, const CGRect& part) const;
     bool touches(const CGRect& part) const; // any of them
 
     // Adds the areas outside of which this list and the next one look the same; false when that cannot be told.
     bool compare(const OperationList& next, DamagedAreas& areas) const;
 
 private:
+    static bool nests(const Operation& operation);
+
     std::vector<Operation> operations_;
+    bool nests_ = false; // clips, or remembers a clip
 };
 
 class Graphics {

@@ -47,8 +47,13 @@ void DamagedAreas::add(const CGRect& area) {
     areas_.push_back(whole);
 }
 
-bool OperationList::touches(const Operation& operation, const CGRect& part) {
-    const auto painted = boundsOf(operation);
+bool OperationList::nests(const Operation& operation) {
+    return std::holds_alternative<Save>(operation) || std::holds_alternative<Restore>(operation) ||
+           std::holds_alternative<Clip>(operation);
+}
+
+bool OperationList::touches(const Operation& operation, const CGRect& part) const {
+    const auto painted = nests_ ? std::nullopt : boundsOf(operation);
     return !painted || !NSIsEmptyRect(NSIntersectionRect(NSInsetRect(*painted, -kSmear, -kSmear), part));
 }
 
@@ -56,13 +61,14 @@ bool OperationList::touches(const CGRect& part) const {
     return std::ranges::any_of(operations_, [&](const auto& operation) { return touches(operation, part); });
 }
 
-// What clips has no bounds: where it stays as it is, what it clips paints within the bounds it would have
-// alone.
+// Where a list clips, smooth edges come out a little different when only a part is painted.
 bool OperationList::compare(const OperationList& next, DamagedAreas& areas) const {
     const auto &was = operations_, &is = next.operations_;
     std::size_t begin = 0, wasEnd = was.size(), isEnd = is.size();
     while (begin < wasEnd && begin < isEnd && was[begin] == is[begin]) ++begin;
     while (wasEnd > begin && isEnd > begin && was[wasEnd - 1] == is[isEnd - 1]) --wasEnd, --isEnd;
+    if (begin == wasEnd && begin == isEnd) return true;
+    if (nests_ || next.nests_) return false;
     if (wasEnd == isEnd) {
         for (std::size_t i = begin; i < wasEnd; ++i)
             if (was[i] != is[i] && !addDifference(was[i], is[i], areas)) return false;
