@@ -3,6 +3,7 @@
 #include <Base/Geometry.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -18,7 +19,12 @@ struct PathElement {
     bool operator==(const PathElement&) const = default;
 };
 
-// An outline. The simple shapes keep their parameters, so that a canvas can paint them directly; any other
+// How many points of an element of that kind are used.
+constexpr std::size_t pointCount(PathElement::Kind kind) {
+    return kind == PathElement::Kind::curve ? 3 : kind == PathElement::Kind::close ? 0 : 1;
+}
+
+// An outline. The simple shapes keep their parameters, so that they can be painted directly; any other
 // outline is a list of elements. Coordinates are those of the view that draws.
 struct Path {
     PathShape shape = PathShape::elements;
@@ -26,6 +32,7 @@ struct Path {
     double xRadius = 0; // of the corners of a rounded rectangle, at most half its width
     double yRadius = 0; // likewise, at most half its height
     std::vector<PathElement> elements{};
+    bool operator==(const Path&) const = default;
 };
 
 // The outline as elements, whatever its shape.

@@ -63,8 +63,9 @@ std::shared_ptr<port::Bitmap> QtWindowSystem::loadBitmap(const std::string& path
     return std::make_shared<QtBitmap>(image.convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
-std::unique_ptr<port::BitmapCanvas> QtWindowSystem::makeBitmap(CGSize size, double scale) {
-    return std::make_unique<QtBitmapCanvas>(size, scale, appearance());
+std::shared_ptr<port::Bitmap> QtWindowSystem::makeBitmap(CGSize size, double scale,
+                                                         const port::OperationList& operations) {
+    return paintedBitmap(size, scale, appearance(), operations);
 }
 
 TextSize QtWindowSystem::measure(std::string_view line, const FontDescription& font) {

@@ -25,7 +25,8 @@ public:
     void setClient(port::ApplicationClient* client) { client_ = client; }
 
     std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override;
-    std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override;
+    std::shared_ptr<port::Bitmap> makeBitmap(CGSize size, double scale,
+                                             const port::OperationList& operations) override;
     TextSize measure(std::string_view line, const FontDescription& font) override;
     std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
                                                  port::WindowStyle style) override;

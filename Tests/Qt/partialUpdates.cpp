@@ -118,7 +118,15 @@ TEST_F(PartialUpdatePixels, TheScreenIsRightAfterAnySeriesOfPositions) {
 TEST_F(PartialUpdatePixels, TheScreenIsRightWhateverAViewDraws) {
     const auto view = make<Painting>(NSRect{NSZeroPoint, kSize});
     const auto picture = KitImage("SliderTrimLeft");
+    const auto drawn = make<NSImage>(&NSImage::initWithSize, NSSize{30, 20});
+    drawn->lockFocus();
+    NSColor::systemRedColor().set();
+    NSBezierPath::bezierPathWithOvalInRect(NSMakeRect(0.5, 0.5, 29, 19)).stroke();
+    drawn->unlockFocus();
+    view->setIdentifier("view");
     show(view, kSize);
+    PaintedRegion painted(widget("view"));
+    int partly = 0;
     const std::vector<std::function<void()>> operations = {
         [&] {
             NSRectFillUsingOperation(NSMakeRect(anywhere(0, 300), anywhere(0, 50), 80, 9.5),
@@ -140,6 +148,22 @@ TEST_F(PartialUpdatePixels, TheScreenIsRightWhateverAViewDraws) {
         },
         [&] { NSBezierPath::bezierPathWithOvalInRect(NSMakeRect(anywhere(0, 200), 0, 180, 60)).stroke(); },
         [&] {
+            auto path = NSBezierPath::bezierPathWithRoundedRect_xRadius_yRadius(
+                NSMakeRect(anywhere(0, 300), anywhere(10, 30), anywhere(0, 60), 20), 4, anywhere(0, 10));
+            path.setLineWidth(anywhere(0, 9));
+            path.stroke();
+        },
+        [&] {
+            // A corner as sharp as it comes, so that its mitre reaches far.
+            NSBezierPath path;
+            const NSPoint tip = {anywhere(50, 350), anywhere(20, 40)};
+            path.moveToPoint({tip.x - 50, tip.y + anywhere(-6, 6)});
+            path.lineToPoint(tip);
+            path.lineToPoint({tip.x - 50, tip.y + anywhere(-6, 6)});
+            path.setLineWidth(anywhere(0, 12));
+            path.stroke();
+        },
+        [&] {
             auto path = NSBezierPath::bezierPathWithRect(NSMakeRect(0, 0, 1, 1));
             path.moveToPoint({anywhere(0, 400), 0});
             path.lineToPoint({anywhere(0, 400), 60});
@@ -153,13 +177,18 @@ TEST_F(PartialUpdatePixels, TheScreenIsRightWhateverAViewDraws) {
                 NSCompositingOperationSourceOver, anywhere(0.3, 1));
         },
         [&] {
+            drawn->drawInRect_fromRect_operation_fraction(NSMakeRect(anywhere(0, 370), anywhere(0, 30), 30, 20),
+                                                          NSZeroRect, NSCompositingOperationSourceOver, 1);
+        },
+        [&] {
             drawAtPoint_withAttributes(std::to_string(random_() % 1000), {anywhere(0, 350), anywhere(0, 40)},
                                        {});
         },
     };
     // A list changes by one operation, a few, its length, or by clipping.
     std::vector<std::pair<std::size_t, std::uint32_t>> list;
-    for (int step = 0; step < 150; ++step) {
+    bool clips = false;
+    for (int step = 0; step < 300; ++step) {
         const auto choice = random_() % 6;
         if (choice == 0 && !list.empty()) list.erase(list.begin() + long(random_() % list.size()));
         if (choice >= 1 || list.empty())
@@ -167,7 +196,7 @@ TEST_F(PartialUpdatePixels, TheScreenIsRightWhateverAViewDraws) {
                         {random_() % operations.size(), std::uint32_t(random_())});
         if (choice == 2) list[random_() % list.size()].second = std::uint32_t(random_());
         if (list.size() > 7) list.erase(list.begin());
-        const bool clips = random_() % 8 == 0;
+        if (random_() % (clips ? 3 : 12) == 0) clips = !clips;
         const auto state = random_;
         view->paint = [&] {
             if (clips) {
@@ -183,12 +212,15 @@ TEST_F(PartialUpdatePixels, TheScreenIsRightWhateverAViewDraws) {
             }
             if (clips) NSGraphicsContext::restoreGraphicsState_();
         };
+        painted.region = {};
         view->setNeedsDisplay(true);
         settle();
         random_ = state;
+        if (painted.region != QRegion(widget("view")->rect())) ++partly;
         ASSERT_EQ(differences(), 0) << "step " << step;
     }
-    ASSERT_GT(view->drawings, 149);
+    ASSERT_GT(view->drawings, 299);
+    ASSERT_GT(partly, 50);
 }
 
 TEST_F(PartialUpdatePixels, TheScreenIsRightAfterResizingHidingAndDarkness) {

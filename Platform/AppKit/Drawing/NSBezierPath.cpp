@@ -57,16 +57,16 @@ void NSBezierPath::closePath() {
 
 void NSBezierPath::fill() const {
     if (auto* context = NSGraphicsContext::currentContext())
-        context->canvas().fill(path_, context->colour(), NSCompositingOperationSourceOver);
+        context->list().add(port::Fill{path_, context->colour()});
 }
 
 void NSBezierPath::stroke() const {
     if (auto* context = NSGraphicsContext::currentContext())
-        context->canvas().stroke(path_, context->colour(), {lineWidth_});
+        context->list().add(port::Stroke{path_, context->colour(), {.lineWidth = lineWidth_}});
 }
 
 void NSBezierPath::addClip() const {
-    if (auto* context = NSGraphicsContext::currentContext()) context->canvas().clip(path_);
+    if (auto* context = NSGraphicsContext::currentContext()) context->list().add(port::Clip{path_});
 }
 
 void NSBezierPath::fillRect(const NSRect& rect) {

@@ -7,7 +7,7 @@ namespace {
 NSGraphicsContext* current = nullptr; // main thread only, like all drawing
 }
 
-NSGraphicsContext::NSGraphicsContext(port::Canvas& canvas) : canvas_(canvas), outer_(current) {
+NSGraphicsContext::NSGraphicsContext(port::OperationList& list) : list_(list), outer_(current) {
     current = this;
 }
 
@@ -20,14 +20,14 @@ NSGraphicsContext* NSGraphicsContext::currentContext() { return current; }
 
 void NSGraphicsContext::saveGraphicsState() {
     saved_.push_back(colour_);
-    canvas_.save();
+    list_.add(port::Save{});
 }
 
 void NSGraphicsContext::restoreGraphicsState() {
     if (saved_.empty()) return;
     colour_ = saved_.back();
     saved_.pop_back();
-    canvas_.restore();
+    list_.add(port::Restore{});
 }
 
 void NSGraphicsContext::saveGraphicsState_() {
@@ -42,10 +42,8 @@ void NSRectFill(const NSRect& rect) { NSRectFillUsingOperation(rect, NSCompositi
 
 void NSRectFillUsingOperation(const NSRect& rect, NSCompositingOperation operation) {
     if (!current || NSIsEmptyRect(rect)) return;
-    Path path;
-    path.shape = PathShape::rectangle;
-    path.bounds = rect;
-    current->canvas().fill(path, current->colour(), operation);
+    current->list().add(
+        port::Fill{{.shape = PathShape::rectangle, .bounds = rect}, current->colour(), operation});
 }
 
 } // namespace zr

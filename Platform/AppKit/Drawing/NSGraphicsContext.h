@@ -10,14 +10,14 @@
 namespace zr {
 
 namespace port {
-class Canvas;
+class OperationList;
 }
 
 // Where drawing goes at the moment: made for a drawing pass, current until it is destroyed. Its state is a
 // colour and a clip. Outside of a pass there is none, and drawing does nothing.
 class NSGraphicsContext {
 public:
-    explicit NSGraphicsContext(port::Canvas& canvas);
+    explicit NSGraphicsContext(port::OperationList& list);
     ~NSGraphicsContext();
     NSGraphicsContext(const NSGraphicsContext&) = delete;
     NSGraphicsContext& operator=(const NSGraphicsContext&) = delete;
@@ -32,10 +32,10 @@ public:
 
     const Colour& colour() const { return colour_; }
     void setColour(const Colour& colour) { colour_ = colour; }
-    port::Canvas& canvas() { return canvas_; }
+    port::OperationList& list() { return list_; } // what is drawn goes there
 
 private:
-    port::Canvas& canvas_;
+    port::OperationList& list_;
     NSGraphicsContext* outer_;
     Colour colour_;
     std::vector<Colour> saved_;

@@ -5,6 +5,7 @@
 #include <Foundation/NSBundle.h>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -13,12 +14,12 @@ namespace zr {
 ZR_CLASS_TABLE(NSImage)
 
 struct NSImage::Focus {
-    Focus(std::unique_ptr<port::BitmapCanvas> bitmapCanvas, double ofScale)
-        : bitmap(std::move(bitmapCanvas)), scale(ofScale), context(bitmap->canvas()) {}
+    Focus(const NSSize& ofSize, double ofScale) : size(ofSize), scale(ofScale), context(list) {}
 
-    std::unique_ptr<port::BitmapCanvas> bitmap;
+    NSSize size;
     double scale;
-    NSGraphicsContext context;
+    port::OperationList list;
+    std::optional<NSGraphicsContext> context; // its end brings back what was saved
 };
 
 NSImage::NSImage() = default;
@@ -53,16 +54,19 @@ void NSImage::lockFocus() {
     if (!system) throw std::logic_error("lockFocus: no window system is installed");
     if (focus_) throw std::logic_error("lockFocus: the image is being drawn already");
     if (NSIsEmptyRect({NSZeroPoint, size_})) throw std::logic_error("lockFocus: the image has no size");
-    const double scale = system->graphics.screenScale();
-    focus_ = std::make_unique<Focus>(system->graphics.makeBitmap(size_, scale), scale);
+    focus_ = std::make_unique<Focus>(size_, system->graphics.screenScale());
     drawInRect_fromRect_operation_fraction({NSZeroPoint, size_}, NSZeroRect, NSCompositingOperationCopy, 1);
 }
 
 void NSImage::unlockFocus() {
     const auto focus = std::exchange(focus_, nullptr);
     if (!focus) return;
+    focus->context.reset();
+    auto* const system = drawingSystem();
+    if (!system) return;
+    auto bitmap = system->graphics.makeBitmap(focus->size, focus->scale, focus->list);
     representations_ = std::make_shared<const std::vector<port::ImageRepresentation>>(
-        1, port::ImageRepresentation{focus->bitmap->finish(), focus->scale, Appearance::light});
+        1, port::ImageRepresentation{std::move(bitmap), focus->scale, Appearance::light});
 }
 
 void NSImage::drawInRect_fromRect_operation_fraction(const NSRect& destination, const NSRect& source,
@@ -81,7 +85,7 @@ void NSImage::drawInRect_fromRect_operation_fraction(const NSRect& destination, 
                    destination.origin.y + (part.origin.y - wanted.origin.y) * sy},
                   {part.size.width * sx, part.size.height * sy}};
     }
-    context->canvas().image(representations_, size_, target, part, operation, std::min(fraction, 1.0));
+    context->list().add(port::Image{representations_, size_, target, part, operation, std::min(fraction, 1.0)});
 }
 
 // Belongs to NSBundle and is here because it makes images.

@@ -11,7 +11,8 @@ namespace zr {
 void drawAtPoint_withAttributes(std::string_view text, const NSPoint& point, const TextAttributes& attributes) {
     auto* context = NSGraphicsContext::currentContext();
     if (!context || text.empty()) return;
-    context->canvas().text(text, attributes.font.description(), attributes.foregroundColor.colour(), point);
+    context->list().add(port::Text{std::string(text), attributes.font.description(),
+                                   attributes.foregroundColor.colour(), point});
 }
 
 NSSize sizeWithAttributes(std::string_view text, const TextAttributes& attributes) {

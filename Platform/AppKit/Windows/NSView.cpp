@@ -14,10 +14,10 @@ ZR_CLASS_TABLE(NSView, .outlets = {outletNamed<&NSView::setNextKeyView>("nextKey
 struct NSView::Client final : port::ViewClient {
     explicit Client(NSView& owner) : view(owner) {}
 
-    void peerDraw(port::Canvas& canvas, const CGRect& dirty) override {
+    void peerDraw(port::OperationList& list, const CGRect& dirty) override {
         NSRect own = dirty;
         if (!view.isFlipped()) own.origin.y = view.frame_.size.height - NSMaxY(dirty);
-        view.displayInCanvas(canvas, NSIntersectionRect(own, view.bounds()));
+        view.displayInCanvas(list, NSIntersectionRect(own, view.bounds()));
     }
     bool peerDrawsUpwards() const override { return !view.isFlipped(); }
     bool peerTakesFocusByPress() const override { return view.acceptsFirstResponder(); }
@@ -240,10 +240,10 @@ void NSView::setNeedsDisplay(bool flag) {
 
 void NSView::drawRect(const NSRect&) {}
 
-void NSView::displayInCanvas(port::Canvas& canvas, const NSRect& dirty) {
+void NSView::displayInCanvas(port::OperationList& list, const NSRect& dirty) {
     const auto held = retained(this);
     needsDisplay_ = false;
-    NSGraphicsContext context(canvas);
+    NSGraphicsContext context(list);
     drawRect(dirty);
 }
 

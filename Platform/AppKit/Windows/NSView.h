@@ -13,7 +13,7 @@ class NSWindow;
 class ViewHost;
 
 namespace port {
-class Canvas;
+class OperationList;
 class PeerFactory;
 class ViewClient;
 class ViewPeer;
@@ -86,7 +86,7 @@ public:
     // Draws in the current context, in the view's coordinates. `dirty` lies within the bounds.
     virtual void drawRect(const NSRect& dirty);
     // Runs a drawing pass into the canvas, whose coordinates are this view's; subviews are not drawn.
-    void displayInCanvas(port::Canvas& canvas, const NSRect& dirty);
+    void displayInCanvas(port::OperationList& list, const NSRect& dirty);
 
     // layout() is called before the next drawing, superviews first. Overrides place subviews.
     bool needsLayout() const { return needsLayout_; }

@@ -53,10 +53,8 @@ std::string written(const std::vector<PathElement>& elements) {
     std::string out = "path";
     for (const auto& element : elements) {
         constexpr std::array<std::string_view, 4> names = {" move", " line", " curve", " close"};
-        constexpr std::array<std::size_t, 4> points = {1, 1, 3, 0};
-        const auto kind = static_cast<std::size_t>(element.kind);
-        out += names[kind];
-        for (std::size_t i = 0; i < points[kind]; ++i) {
+        out += names[static_cast<std::size_t>(element.kind)];
+        for (std::size_t i = 0; i < pointCount(element.kind); ++i) {
             out += ' ';
             out += written(element.points[i]);
         }
@@ -78,54 +76,88 @@ std::string written(const Path& path) {
     return written(path.elements);
 }
 
-} // namespace
+// Of each operation all members are named, so that one more does not compile until it is written.
+class Writer {
+public:
+    Writer(double scale, Appearance appearance) : scale_(scale), appearance_(appearance) {}
 
-void RecordingCanvas::clip(const Path& path) { lines_.push_back("clip " + written(path)); }
+    std::string line(const port::Save&) const { return "save"; }
+    std::string line(const port::Restore&) const { return "restore"; }
+    std::string line(const port::Clip& clip) const {
+        const auto& [path] = clip;
+        return "clip " + written(path);
+    }
+    std::string line(const port::Fill& fill) const {
+        const auto& [path, colour, compositing] = fill;
+        std::string out = "fill " + written(path) + " " + written(colour);
+        if (compositing != NSCompositingOperationSourceOver) out += " operation " + std::to_string(compositing);
+        return out;
+    }
+    std::string line(const port::Stroke& stroke) const {
+        const auto& [path, colour, style] = stroke;
+        const auto& [lineWidth] = style;
+        return "stroke " + written(path) + " " + written(colour) + " width " + written(lineWidth);
+    }
+    std::string line(const port::Image& image) const;
+    std::string line(const port::Text& text) const;
 
-void RecordingCanvas::fill(const Path& path, const Colour& colour, NSCompositingOperation operation) {
-    std::string line = "fill " + written(path) + " " + written(colour);
-    if (operation != NSCompositingOperationSourceOver) line += " operation " + std::to_string(operation);
-    lines_.push_back(std::move(line));
+private:
+    double scale_;
+    Appearance appearance_;
+};
+
+std::string Writer::line(const port::Image& image) const {
+    const auto& [representations, size, destination, source, compositing, fraction] = image;
+    const auto* const chosen = port::bestRepresentation(*representations, scale_, appearance_);
+    const auto* const bitmap = chosen ? dynamic_cast<const NamedBitmap*>(chosen->bitmap.get()) : nullptr;
+    std::string out = "image ";
+    out += bitmap ? bitmap->name() : "?";
+    const double scale = chosen ? chosen->scale : 1;
+    if (!bitmap || CGSize{size.width * scale, size.height * scale} != bitmap->pixelSize())
+        out += " of " + written(size);
+    out += " in " + written(destination) + " from " + written(source) + " operation " +
+           std::to_string(compositing) + " fraction " + written(fraction);
+    return out;
 }
 
-void RecordingCanvas::stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) {
-    lines_.push_back("stroke " + written(path) + " " + written(colour) + " width " + written(style.lineWidth));
-}
-
-void RecordingCanvas::image(const port::ImageRepresentations& representations, CGSize,
-                            const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
-                            double fraction) {
-    const auto* chosen = port::bestRepresentation(*representations, scale_, appearance_);
-    const auto* bitmap = chosen ? dynamic_cast<const NamedBitmap*>(chosen->bitmap.get()) : nullptr;
-    std::string line = "image ";
-    line += bitmap ? bitmap->name() : "?";
-    line += " in " + written(destination) + " from " + written(source) + " operation " +
-            std::to_string(operation) + " fraction " + written(fraction);
-    lines_.push_back(std::move(line));
-}
-
-void RecordingCanvas::text(std::string_view line, const FontDescription& font, const Colour& colour,
-                           CGPoint origin) {
+std::string Writer::line(const port::Text& text) const {
+    const auto& [shared, font, colour, origin] = text;
+    const auto& [family, size, bold, monospacedDigits] = font;
     std::string out = "text \"";
-    out += line;
+    for (const char character : *shared) {
+        if (character == '"' || character == '\\') out += '\\';
+        out += character;
+    }
     out += "\" ";
-    out += font.family.empty() ? "system" : font.family;
-    if (font.bold) out += " bold";
-    for (const auto& part : {written(font.size), written(colour), std::string("at"), written(origin)}) {
+    out += family.empty() ? "system" : family;
+    if (bold) out += " bold";
+    if (monospacedDigits) out += " digits";
+    for (const auto& part : {written(size), written(colour), std::string("at"), written(origin)}) {
         out += ' ';
         out += part;
     }
-    lines_.push_back(std::move(out));
+    return out;
 }
 
-std::shared_ptr<port::Bitmap> RecordingBitmapCanvas::finish() {
+} // namespace
+
+std::vector<std::string> linesOf(const port::OperationList& list, double scale, Appearance appearance) {
+    const Writer writer(scale, appearance);
+    std::vector<std::string> lines;
+    for (const auto& operation : list.operations())
+        lines.push_back(std::visit([&](const auto& one) { return writer.line(one); }, operation));
+    return lines;
+}
+
+std::shared_ptr<NamedBitmap> drawnBitmap(CGSize size, double scale, Appearance appearance,
+                                         const port::OperationList& list) {
     std::string name = "[";
-    for (const auto& line : canvas_.lines()) {
+    for (const auto& line : linesOf(list, scale, appearance)) {
         if (name.size() > 1) name += "; ";
         name += line;
     }
     name += "]";
-    return std::make_shared<NamedBitmap>(std::move(name), pixels_);
+    return std::make_shared<NamedBitmap>(std::move(name), CGSize{size.width * scale, size.height * scale});
 }
 
 std::shared_ptr<NamedBitmap> readBitmap(const std::string& path) {

@@ -7,28 +7,21 @@
 
 namespace zr::headless {
 
-// Writes a line for each operation, in the coordinates it was given. System colours appear by name, pictures by
-// the name of the file that was chosen.
-class RecordingCanvas final : public port::Canvas {
+// The lines of a drawing: one an operation, in its own coordinates, with everything it holds but what is at its
+// default. System colours appear by name, an image by the name of the picture that is chosen for the scale and
+// the appearance.
+std::vector<std::string> linesOf(const port::OperationList& list, double scale, Appearance appearance);
+
+// A drawing pass for a scale and an appearance.
+class RecordingCanvas final : public port::OperationList {
 public:
     RecordingCanvas(double scale, Appearance appearance) : scale_(scale), appearance_(appearance) {}
 
-    void save() override { lines_.emplace_back("save"); }
-    void restore() override { lines_.emplace_back("restore"); }
-    void clip(const Path& path) override;
-    void fill(const Path& path, const Colour& colour, NSCompositingOperation operation) override;
-    void stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) override;
-    void image(const port::ImageRepresentations& representations, CGSize imageSize, const CGRect& destination,
-               const CGRect& source, NSCompositingOperation operation, double fraction) override;
-    void text(std::string_view text, const FontDescription& font, const Colour& colour,
-              CGPoint origin) override;
-
-    const std::vector<std::string>& lines() const { return lines_; }
+    std::vector<std::string> lines() const { return linesOf(*this, scale_, appearance_); }
 
 private:
     double scale_;
     Appearance appearance_;
-    std::vector<std::string> lines_;
 };
 
 // A picture that is known by the name of its file, or by the operations that drew it, and by its size.
@@ -43,18 +36,9 @@ private:
     CGSize pixels_;
 };
 
-// The name of the picture is the list of its operations.
-class RecordingBitmapCanvas final : public port::BitmapCanvas {
-public:
-    RecordingBitmapCanvas(CGSize size, double scale, Appearance appearance)
-        : pixels_{size.width * scale, size.height * scale}, canvas_(scale, appearance) {}
-    port::Canvas& canvas() override { return canvas_; }
-    std::shared_ptr<port::Bitmap> finish() override;
-
-private:
-    CGSize pixels_;
-    RecordingCanvas canvas_;
-};
+// Its name is the list of the operations.
+std::shared_ptr<NamedBitmap> drawnBitmap(CGSize size, double scale, Appearance appearance,
+                                         const port::OperationList& list);
 
 // Null for a file that is no PNG picture.
 std::shared_ptr<NamedBitmap> readBitmap(const std::string& path);

@@ -29,8 +29,9 @@ public:
     explicit System(Options given);
 
     std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override { return readBitmap(path); }
-    std::unique_ptr<port::BitmapCanvas> makeBitmap(CGSize size, double scale) override {
-        return std::make_unique<RecordingBitmapCanvas>(size, scale, appearance());
+    std::shared_ptr<port::Bitmap> makeBitmap(CGSize size, double scale,
+                                             const port::OperationList& operations) override {
+        return drawnBitmap(size, scale, appearance(), operations);
     }
     TextSize measure(std::string_view line, const FontDescription& font) override;
     double screenScale() const override { return options.scale; }

@@ -119,7 +119,12 @@ bool QtCanvas::copies() const {
     return plain_ && painter_.compositionMode() == QPainter::CompositionMode_SourceOver;
 }
 
-void QtCanvas::clip(const Path& path) { painter_.setClipPath(mapped(path), Qt::IntersectClip); }
+void QtCanvas::paint(const port::OperationList& list, const CGRect& part) {
+    for (const auto& operation : list.operations())
+        if (list.touches(operation, part)) std::visit([this](const auto& one) { paint(one); }, operation);
+}
+
+void QtCanvas::paint(const port::Clip& clip) { painter_.setClipPath(mapped(clip.path), Qt::IntersectClip); }
 
 template <class Shape>
 void QtCanvas::paintSmooth(const QPen& pen, const QBrush& brush, const Shape& shape) {
@@ -172,56 +177,56 @@ void QtCanvas::fillOval(const QRectF& oval, const QColor& colour) {
     }
 }
 
-void QtCanvas::fill(const Path& path, const Colour& colour, NSCompositingOperation operation) {
-    const Mode mode(painter_, operation);
-    const QColor painted = colourFor(colour, geometry_.appearance);
+void QtCanvas::paint(const port::Fill& fill) {
+    const Mode mode(painter_, fill.compositing);
+    const QColor colour = colourFor(fill.colour, geometry_.appearance);
+    const Path& path = fill.path;
     switch (path.shape) {
     case PathShape::rectangle:
-        fillRectangle(bar(path.bounds), painted);
+        fillRectangle(bar(path.bounds), colour);
         break;
     case PathShape::roundedRectangle: {
         const QRectF rect = bar(path.bounds);
         fillRounded(rect, std::min(path.xRadius * scale_, rect.width() / 2),
-                    std::min(path.yRadius * scale_, rect.height() / 2), painted);
+                    std::min(path.yRadius * scale_, rect.height() / 2), colour);
         break;
     }
     case PathShape::oval:
-        fillOval(mapped(path.bounds), painted);
+        fillOval(mapped(path.bounds), colour);
         break;
     case PathShape::elements:
-        paintSmooth(Qt::NoPen, painted, [&] { painter_.drawPath(mapped(path)); });
+        paintSmooth(Qt::NoPen, colour, [&] { painter_.drawPath(mapped(path)); });
         break;
     }
 }
 
-void QtCanvas::stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) {
-    const QPen pen(colourFor(colour, geometry_.appearance), style.lineWidth * scale_, Qt::SolidLine,
-                   Qt::FlatCap, Qt::MiterJoin);
-    paintSmooth(pen, Qt::NoBrush, [&] { painter_.drawPath(mapped(path)); });
+void QtCanvas::paint(const port::Stroke& stroke) {
+    const QPen pen(colourFor(stroke.colour, geometry_.appearance), stroke.style.lineWidth * scale_,
+                   Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin);
+    paintSmooth(pen, Qt::NoBrush, [&] { painter_.drawPath(mapped(stroke.path)); });
 }
 
-void QtCanvas::image(const port::ImageRepresentations& representations, CGSize imageSize,
-                     const CGRect& destination, const CGRect& source, NSCompositingOperation operation,
-                     double fraction) {
-    const auto* chosen = port::bestRepresentation(*representations, scale_, geometry_.appearance);
+void QtCanvas::paint(const port::Image& image) {
+    const auto* chosen = port::bestRepresentation(*image.representations, scale_, geometry_.appearance);
     const auto* bitmap = chosen ? static_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
-    if (!bitmap || NSIsEmptyRect({{}, imageSize})) return;
-    QRectF target = mapped(destination);
-    if (destination.size == source.size)
+    if (!bitmap || NSIsEmptyRect({{}, image.size})) return;
+    const CGRect& source = image.source;
+    QRectF target = mapped(image.destination);
+    if (image.destination.size == source.size)
         target.moveTopLeft({std::round(target.left()), std::round(target.top())});
-    const double px = bitmap->image().width() / imageSize.width,
-                 py = bitmap->image().height() / imageSize.height;
-    const QRectF part(source.origin.x * px, (imageSize.height - NSMaxY(source)) * py, source.size.width * px,
+    const double px = bitmap->image().width() / image.size.width,
+                 py = bitmap->image().height() / image.size.height;
+    const QRectF part(source.origin.x * px, (image.size.height - NSMaxY(source)) * py, source.size.width * px,
                       source.size.height * py);
-    const Mode mode(painter_, operation);
+    const Mode mode(painter_, image.compositing);
     const QPoint corner = isReasonable(target) ? target.topLeft().toPoint() : QPoint();
-    if (plain_ && geometry_.yUp && fraction == 1 && target == QRectF(corner, part.size()) &&
+    if (plain_ && geometry_.yUp && image.fraction == 1 && target == QRectF(corner, part.size()) &&
         part == part.toRect()) {
         painter_.drawImage(corner, bitmap->image(), part.toRect());
         return;
     }
     painter_.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter_.setOpacity(fraction);
+    painter_.setOpacity(image.fraction);
     if (geometry_.yUp) {
         painter_.drawImage(target, bitmap->image(), part);
     } else {
@@ -236,17 +241,16 @@ void QtCanvas::image(const port::ImageRepresentations& representations, CGSize i
 }
 
 // Fonts are made for the device's points, so text is painted in them.
-void QtCanvas::text(std::string_view text, const FontDescription& description, const Colour& colour,
-                    CGPoint origin) {
-    const QFont font = fontFor(description);
+void QtCanvas::paint(const port::Text& text) {
+    const QFont font = fontFor(text.font);
     const QFontMetricsF metrics(font, painter_.device());
-    QPointF baseline = mapped(origin) / scale_;
+    QPointF baseline = mapped(text.origin) / scale_;
     baseline.ry() += geometry_.yUp ? -metrics.descent() : metrics.ascent();
     const QTransform before = painter_.worldTransform();
     painter_.scale(scale_, scale_);
     painter_.setFont(font);
-    painter_.setPen(colourFor(colour, geometry_.appearance));
-    painter_.drawText(baseline, QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    painter_.setPen(colourFor(text.colour, geometry_.appearance));
+    painter_.drawText(baseline, QString::fromStdString(*text.text));
     painter_.setWorldTransform(before);
 }
 
@@ -262,15 +266,15 @@ QImage transparent(CGSize size, double scale) {
 
 } // namespace
 
-QtBitmapCanvas::QtBitmapCanvas(CGSize size, double scale, Appearance appearance)
-    : image_(transparent(size, scale))
-    , painter_(&image_)
-    , canvas_(painter_, {.height = size.height, .yUp = true, .shift = {}, .appearance = appearance}) {}
-
-std::shared_ptr<port::Bitmap> QtBitmapCanvas::finish() {
-    painter_.end();
-    image_.setDevicePixelRatio(1);
-    return std::make_shared<QtBitmap>(std::move(image_));
+std::shared_ptr<QtBitmap> paintedBitmap(CGSize size, double scale, Appearance appearance,
+                                        const port::OperationList& list) {
+    QImage image = transparent(size, scale);
+    QPainter painter(&image);
+    QtCanvas canvas(painter, {.height = size.height, .yUp = true, .shift = {}, .appearance = appearance});
+    canvas.paint(list, {NSZeroPoint, size});
+    painter.end();
+    image.setDevicePixelRatio(1);
+    return std::make_shared<QtBitmap>(std::move(image));
 }
 
 } // namespace zr::qt

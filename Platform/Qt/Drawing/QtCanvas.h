@@ -25,7 +25,7 @@ QFont fontFor(const FontDescription& description);
 
 // Paints a drawing pass of one view, in device pixels. Bars and pictures of natural size are moved to whole
 // ones, so that they are crisp at any scale; everything else is painted where it is, to a quarter of a pixel.
-class QtCanvas final : public port::Canvas {
+class QtCanvas final {
 public:
     struct Geometry {
         double height = 0; // of the view, points
@@ -35,17 +35,18 @@ public:
     };
     QtCanvas(QPainter& painter, const Geometry& geometry);
 
-    void save() override { painter_.save(); }
-    void restore() override { painter_.restore(); }
-    void clip(const Path& path) override;
-    void fill(const Path& path, const Colour& colour, NSCompositingOperation operation) override;
-    void stroke(const Path& path, const Colour& colour, const port::StrokeStyle& style) override;
-    void image(const port::ImageRepresentations& representations, CGSize imageSize, const CGRect& destination,
-               const CGRect& source, NSCompositingOperation operation, double fraction) override;
-    void text(std::string_view text, const FontDescription& font, const Colour& colour,
-              CGPoint origin) override;
+    // Paints what touches the part, in the view's coordinates.
+    void paint(const port::OperationList& list, const CGRect& part);
 
 private:
+    void paint(const port::Save&) { painter_.save(); }
+    void paint(const port::Restore&) { painter_.restore(); }
+    void paint(const port::Clip& clip);
+    void paint(const port::Fill& fill);
+    void paint(const port::Stroke& stroke);
+    void paint(const port::Image& image);
+    void paint(const port::Text& text);
+
     QPointF mapped(CGPoint point) const;
     QRectF mapped(const CGRect& rect) const;
     QPainterPath mapped(const Path& path) const;
@@ -64,17 +65,8 @@ private:
     bool plain_;     // the painter neither rotates nor stretches
 };
 
-// A picture being drawn.
-class QtBitmapCanvas final : public port::BitmapCanvas {
-public:
-    QtBitmapCanvas(CGSize size, double scale, Appearance appearance);
-    port::Canvas& canvas() override { return canvas_; }
-    std::shared_ptr<port::Bitmap> finish() override;
-
-private:
-    QImage image_;
-    QPainter painter_;
-    QtCanvas canvas_;
-};
+// The operations' y runs up.
+std::shared_ptr<QtBitmap> paintedBitmap(CGSize size, double scale, Appearance appearance,
+                                        const port::OperationList& list);
 
 } // namespace zr::qt

@@ -40,12 +40,12 @@ void ViewWidget::invalidate() {
 // Answers what has to be painted.
 QRegion ViewWidget::drawAgain() {
     // Drawing seldom happens within another; the memory is used by all views in turn.
-    static DisplayList spare;
-    DisplayList next = std::move(spare);
+    static port::OperationList spare;
+    port::OperationList next = std::move(spare);
     next.clear();
     drawingIsDue_ = false;
     client->peerDraw(next, {{0, 0}, size_});
-    static DamagedAreas areas;
+    static port::DamagedAreas areas;
     areas.clear();
     const bool comparable = std::exchange(drawn_, true) && shown_.compare(next, areas);
     shown_ = next;
@@ -80,7 +80,7 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
                               .yUp = yUp,
                               .shift = shift_,
                               .appearance = appearanceOf(QApplication::palette())});
-    shown_.replay(canvas, part);
+    canvas.paint(shown_, part);
 }
 
 void ViewWidget::mouse(QMouseEvent& event) {

@@ -2,7 +2,7 @@
 
 #include "WindowLink.h"
 
-#include <ZRUIKitQt/DisplayList.h>
+#include <WindowSystem/Drawing.h>
 
 #include <QRegion>
 #include <QWidget>
@@ -41,7 +41,7 @@ private:
     void key(QKeyEvent& event);
     QRegion drawAgain();
 
-    DisplayList shown_;
+    port::OperationList shown_;
     QPointF shift_; // from the exact corner to the whole point where the widget stands
     CGSize size_;
     bool drawn_ = false; // shown_ is what a drawing of this size gave

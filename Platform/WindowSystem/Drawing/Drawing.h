@@ -7,8 +7,11 @@
 #include <Base/Path.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace zr::port {
@@ -21,7 +24,7 @@ public:
     virtual CGSize pixelSize() const = 0;
 };
 
-// One of the pictures an image consists of. The canvas takes the one that suits its scale and appearance best.
+// One of the pictures an image consists of. Who paints takes the one that suits its scale and appearance best.
 struct ImageRepresentation {
     std::shared_ptr<Bitmap> bitmap;
     double scale = 1; // pixels for a point
@@ -31,50 +34,161 @@ struct ImageRepresentation {
 // Shared with whoever keeps what was drawn; never changed.
 using ImageRepresentations = std::shared_ptr<const std::vector<ImageRepresentation>>;
 
-// The representation for a canvas of that scale and appearance: of its appearance where there is one, then the
+// The representation for a drawing of that scale and appearance: of its appearance where there is one, then the
 // smallest that has pixels enough, else the largest. Null for none.
 const ImageRepresentation* bestRepresentation(const std::vector<ImageRepresentation>& representations,
                                               double scale, Appearance appearance);
 
+// A value that its copies share: copying what holds it is cheap. It is never changed.
+template <class T>
+class Shared {
+public:
+    Shared(T value) : value_(std::make_shared<const T>(std::move(value))) {}
+    // There is always a value, so that moving copies.
+    Shared(const Shared&) = default;
+    Shared& operator=(const Shared&) = default;
+    ~Shared() = default;
+
+    const T& operator*() const { return *value_; }
+    const T* operator->() const { return value_.get(); }
+    bool operator==(const Shared& other) const { return value_ == other.value_ || *value_ == *other.value_; }
+
+private:
+    std::shared_ptr<const T> value_;
+};
+
+class DamagedAreas;
+
+// The operations of drawing. Coordinates are those of the view that draws, in points: who paints knows the
+// height of the view and whether y runs up, and turns it over where the window system needs that. Colours come
+// with each operation.
+//
+// bounds() is where an operation paints; snapping to pixels and smooth edges reach a little further. Nothing
+// where only the window system knows that, where the operation decides what the next ones paint, and where
+// numbers are not finite. addDifference(), where an operation has it, adds the areas outside of which it and
+// the next one look the same, or answers false when it knows nothing better than both their bounds.
+
+// Remembers the clip.
+struct Save {
+    std::optional<CGRect> bounds() const { return std::nullopt; }
+    bool operator==(const Save&) const = default;
+};
+
+// Brings back the clip last remembered.
+struct Restore {
+    std::optional<CGRect> bounds() const { return std::nullopt; }
+    bool operator==(const Restore&) const = default;
+};
+
+// What follows is painted only within the path, and within the clip there was.
+struct Clip {
+    Path path;
+
+    std::optional<CGRect> bounds() const { return std::nullopt; }
+    bool operator==(const Clip&) const = default;
+};
+
+struct Fill {
+    Path path;
+    Colour colour;
+    NSCompositingOperation compositing = NSCompositingOperationSourceOver;
+
+    std::optional<CGRect> bounds() const;
+    bool addDifference(const Fill& next, DamagedAreas& areas) const; // of a bar that grew, its ends
+    bool operator==(const Fill&) const = default;
+};
+
 struct StrokeStyle {
     double lineWidth = 1; // 0: the thinnest line there is
+    bool operator==(const StrokeStyle&) const = default;
 };
 
-// Where a drawing pass goes. Coordinates are those of the view that draws, in points: the canvas knows the
-// height of the pass and whether y runs up, and turns it over where the window system needs that. Colours come
-// with each operation.
-class Canvas {
-public:
-    virtual ~Canvas() = default;
+struct Stroke {
+    Path path;
+    Colour colour;
+    StrokeStyle style;
 
-    virtual void save() = 0;    // remembers the clip
-    virtual void restore() = 0; // brings back the clip last remembered
-    virtual void clip(const Path& path) = 0;
-
-    virtual void fill(const Path& path, const Colour& colour, NSCompositingOperation operation) = 0;
-    virtual void stroke(const Path& path, const Colour& colour, const StrokeStyle& style) = 0;
-    // Draws `source` of the image (points of its own, lower left; never empty) into `destination`.
-    virtual void image(const ImageRepresentations& representations, CGSize imageSize, const CGRect& destination,
-                       const CGRect& source, NSCompositingOperation operation, double fraction) = 0;
-    // One line of text; `origin` is the corner of its line box that has the smallest coordinates on an
-    // unflipped canvas (lower left) and on a flipped one (upper left).
-    virtual void text(std::string_view text, const FontDescription& font, const Colour& colour,
-                      CGPoint origin) = 0;
+    std::optional<CGRect> bounds() const;
+    bool operator==(const Stroke&) const = default;
 };
 
-// A picture being drawn: transparent at first, y runs up.
-class BitmapCanvas {
+// Draws `source` of the image (points of its own, lower left; never empty) into `destination`.
+struct Image {
+    ImageRepresentations representations;
+    CGSize size; // of the image, points
+    CGRect destination;
+    CGRect source;
+    NSCompositingOperation compositing = NSCompositingOperationSourceOver;
+    double fraction = 1; // multiplies the alpha
+
+    std::optional<CGRect> bounds() const;
+    bool operator==(const Image&) const = default;
+};
+
+// One line of text; `origin` is the corner of its line box that has the smallest coordinates in an unflipped
+// view (lower left) and in a flipped one (upper left).
+struct Text {
+    Shared<std::string> text;
+    FontDescription font;
+    Colour colour;
+    CGPoint origin;
+
+    std::optional<CGRect> bounds() const { return std::nullopt; }
+    bool operator==(const Text&) const = default;
+};
+
+// To add one: its struct, what paints it and what writes it. Whoever forgets it does not compile.
+using Operation = std::variant<Save, Restore, Clip, Fill, Stroke, Image, Text>;
+
+// Where a drawing differs from the one on the screen. Rectangles that overlap become one, as painting many
+// small ones costs more than painting what lies between them.
+class DamagedAreas {
 public:
-    virtual ~BitmapCanvas() = default;
-    virtual Canvas& canvas() = 0;
-    virtual std::shared_ptr<Bitmap> finish() = 0; // what was drawn; the canvas is not used any more
+    void clear() { areas_.clear(); }
+    // What is snapped to device pixels or antialiased reaches a little further than it says.
+    void add(const CGRect& area);
+    const std::vector<CGRect>& merged() const { return areas_; }
+
+private:
+    std::vector<CGRect> areas_;
+};
+
+// A drawing pass: what a view drew, in its order. It can be painted again without asking the view, and compared
+// with the next one, so that only what changed is painted. Assigning a list re-uses the memory of the old one.
+class OperationList {
+public:
+    void add(Operation operation) {
+        nests_ = nests_ || nests(operation);
+        operations_.push_back(std::move(operation));
+    }
+    // Keeps its memory.
+    void clear() {
+        operations_.clear();
+        nests_ = false;
+    }
+    const std::vector<Operation>& operations() const { return operations_; }
+    bool operator==(const OperationList&) const = default;
+
+    // Whether the operation has to be painted for `part` to look right. Where a list clips, all of it has.
+    bool touches(const Operation& operation, const CGRect& part) const;
+    bool touches(const CGRect& part) const; // any of them
+
+    // Adds the areas outside of which this list and the next one look the same; false when that cannot be told.
+    bool compare(const OperationList& next, DamagedAreas& areas) const;
+
+private:
+    static bool nests(const Operation& operation);
+
+    std::vector<Operation> operations_;
+    bool nests_ = false; // clips, or remembers a clip
 };
 
 class Graphics {
 public:
     virtual ~Graphics() = default;
     virtual std::shared_ptr<Bitmap> loadBitmap(const std::string& path) = 0; // null when it cannot be read
-    virtual std::unique_ptr<BitmapCanvas> makeBitmap(CGSize size, double scale) = 0; // points; never empty
+    // Paints the operations, whose y runs up, on a transparent ground. The size, in points, is never empty.
+    virtual std::shared_ptr<Bitmap> makeBitmap(CGSize size, double scale, const OperationList& operations) = 0;
     virtual TextSize measure(std::string_view line, const FontDescription& font) = 0;
     virtual double screenScale() const = 0; // device pixels for a point, the largest of all screens
 };

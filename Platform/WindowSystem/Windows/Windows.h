@@ -21,11 +21,10 @@ namespace zr::port {
 class ViewClient {
 public:
     virtual ~ViewClient() = default;
-    // Draw into the canvas, whose coordinates are the view's own. `dirty` is y-down, within the view. Comes
-    // only after invalidate(), and when the view is first seen or has another size: what was drawn is kept by
-    // the adaptor.
-    virtual void peerDraw(Canvas& canvas, const CGRect& dirty) = 0;
-    // Whether the canvas of this view is to run its y axis upwards.
+    // Add to the list, in the view's own coordinates. `dirty` is y-down, within the view. Comes only after
+    // invalidate(), and when the view is first seen or has another size: what was drawn is kept by the adaptor.
+    virtual void peerDraw(OperationList& list, const CGRect& dirty) = 0;
+    // Whether y runs upwards in the coordinates of this view.
     virtual bool peerDrawsUpwards() const = 0;
     // Whether a press on the window system's own control gives it the keyboard.
     virtual bool peerTakesFocusByPress() const = 0;
