@@ -64,7 +64,7 @@ inline constexpr const char* kEscapeCharacter = "\x1b";
 // What the user did, as it travels between a window system and a window.
 struct InputEvent {
     NSEventType type = NSEventTypeMouseMoved;
-    CGPoint location{}; // points; at the port from the top left of the window's content, y down
+    Point location{}; // points; at the port from the top left of the window's content, y down
     std::uint32_t modifierFlags = 0;
     std::uint16_t keyCode = kKeyCodeUnknown;
     bool isARepeat = false;

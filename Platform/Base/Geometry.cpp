@@ -4,15 +4,15 @@
 
 namespace zr {
 
-NSRect NSIntersectionRect(const NSRect& a, const NSRect& b) {
+Rect NSIntersectionRect(const Rect& a, const Rect& b) {
     const double minX = std::max(NSMinX(a), NSMinX(b));
     const double minY = std::max(NSMinY(a), NSMinY(b));
-    const NSRect common = {{minX, minY},
-                           {std::min(NSMaxX(a), NSMaxX(b)) - minX, std::min(NSMaxY(a), NSMaxY(b)) - minY}};
+    const Rect common = {{minX, minY},
+                         {std::min(NSMaxX(a), NSMaxX(b)) - minX, std::min(NSMaxY(a), NSMaxY(b)) - minY}};
     return NSIsEmptyRect(common) ? NSZeroRect : common;
 }
 
-NSRect NSUnionRect(const NSRect& a, const NSRect& b) {
+Rect NSUnionRect(const Rect& a, const Rect& b) {
     if (NSIsEmptyRect(a)) return NSIsEmptyRect(b) ? NSZeroRect : b;
     if (NSIsEmptyRect(b)) return a;
     const double minX = std::min(NSMinX(a), NSMinX(b));

@@ -3,27 +3,32 @@
 namespace zr {
 
 // Points, sizes and rectangles in points, double precision. Who uses them says where the origin is.
-struct CGPoint {
+struct Point {
     double x = 0;
     double y = 0;
-    bool operator==(const CGPoint&) const = default;
+    bool operator==(const Point&) const = default;
 };
 
-struct CGSize {
+struct Size {
     double width = 0;
     double height = 0;
-    bool operator==(const CGSize&) const = default;
+    bool operator==(const Size&) const = default;
 };
 
-struct CGRect {
-    CGPoint origin;
-    CGSize size;
-    bool operator==(const CGRect&) const = default;
+struct Rect {
+    Point origin;
+    Size size;
+    bool operator==(const Rect&) const = default;
 };
 
-using NSPoint = CGPoint;
-using NSSize = CGSize;
-using NSRect = CGRect;
+// As the layer and the kit call them. Below the layer they have the plain names alone, so that an adaptor to a
+// platform with types of these names can tell its own from ours.
+using CGPoint = Point;
+using CGSize = Size;
+using CGRect = Rect;
+using NSPoint = Point;
+using NSSize = Size;
+using NSRect = Rect;
 
 inline constexpr NSPoint NSZeroPoint{};
 inline constexpr NSSize NSZeroSize{};

@@ -9,7 +9,7 @@ constexpr double kQuarterArc = 0.5522847498;
 
 using Kind = PathElement::Kind;
 
-void appendRounded(std::vector<PathElement>& out, const CGRect& r, double rx, double ry) {
+void appendRounded(std::vector<PathElement>& out, const Rect& r, double rx, double ry) {
     const double x0 = NSMinX(r), x1 = NSMaxX(r), y0 = NSMinY(r), y1 = NSMaxY(r);
     const double cx = rx * (1 - kQuarterArc), cy = ry * (1 - kQuarterArc);
     out.push_back({Kind::move, {{{x0 + rx, y1}}}});
@@ -23,7 +23,7 @@ void appendRounded(std::vector<PathElement>& out, const CGRect& r, double rx, do
     out.push_back({Kind::close, {}});
 }
 
-void appendRectangle(std::vector<PathElement>& out, const CGRect& r) {
+void appendRectangle(std::vector<PathElement>& out, const Rect& r) {
     out.push_back({Kind::move, {{{NSMinX(r), NSMinY(r)}}}});
     out.push_back({Kind::line, {{{NSMaxX(r), NSMinY(r)}}}});
     out.push_back({Kind::line, {{{NSMaxX(r), NSMaxY(r)}}}});

@@ -15,7 +15,7 @@ struct PathElement {
     enum class Kind { move = 0, line = 1, curve = 2, close = 3 };
     Kind kind = Kind::move;
     // move and line use the first point; curve uses two control points and then the end point.
-    std::array<CGPoint, 3> points{};
+    std::array<Point, 3> points{};
     bool operator==(const PathElement&) const = default;
 };
 
@@ -28,7 +28,7 @@ constexpr std::size_t pointCount(PathElement::Kind kind) {
 // outline is a list of elements. Coordinates are those of the view that draws.
 struct Path {
     PathShape shape = PathShape::elements;
-    CGRect bounds;      // of rectangle, rounded rectangle and oval
+    Rect bounds;        // of rectangle, rounded rectangle and oval
     double xRadius = 0; // of the corners of a rounded rectangle, at most half its width
     double yRadius = 0; // likewise, at most half its height
     std::vector<PathElement> elements{};

@@ -63,7 +63,7 @@ std::shared_ptr<port::Bitmap> QtWindowSystem::loadBitmap(const std::string& path
     return std::make_shared<QtBitmap>(image.convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
-std::shared_ptr<port::Bitmap> QtWindowSystem::makeBitmap(CGSize size, double scale,
+std::shared_ptr<port::Bitmap> QtWindowSystem::makeBitmap(Size size, double scale,
                                                          const port::OperationList& operations) {
     return paintedBitmap(size, scale, appearance(), operations);
 }
@@ -74,7 +74,7 @@ TextSize QtWindowSystem::measure(std::string_view line, const FontDescription& f
     return {metrics.horizontalAdvance(text), metrics.ascent(), metrics.descent()};
 }
 
-std::unique_ptr<port::WindowPeer> QtWindowSystem::makeWindow(port::WindowClient& client, CGSize contentSize,
+std::unique_ptr<port::WindowPeer> QtWindowSystem::makeWindow(port::WindowClient& client, Size contentSize,
                                                              port::WindowStyle style) {
     return std::make_unique<WindowPeer>(client, contentSize, style);
 }
@@ -101,7 +101,7 @@ void QtWindowSystem::setAppearance(std::optional<Appearance> appearance) {
 
 std::vector<port::Screen> QtWindowSystem::screens() const {
     const auto rectOf = [](const QRect& rect) {
-        return CGRect{{double(rect.x()), double(rect.y())}, {double(rect.width()), double(rect.height())}};
+        return Rect{{double(rect.x()), double(rect.y())}, {double(rect.width()), double(rect.height())}};
     };
     std::vector<port::Screen> found;
     for (const QScreen* screen : QGuiApplication::screens()) // the primary one first

@@ -25,10 +25,10 @@ public:
     void setClient(port::ApplicationClient* client) { client_ = client; }
 
     std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override;
-    std::shared_ptr<port::Bitmap> makeBitmap(CGSize size, double scale,
+    std::shared_ptr<port::Bitmap> makeBitmap(Size size, double scale,
                                              const port::OperationList& operations) override;
     TextSize measure(std::string_view line, const FontDescription& font) override;
-    std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
+    std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, Size contentSize,
                                                  port::WindowStyle style) override;
     std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
                                                     port::ViewClient& client) override;

@@ -46,6 +46,8 @@ public:
     virtual void wheel(NSWindow& window, NSPoint point, double deltaY) = 0; // notches
     virtual void type(NSWindow& window, Key key) = 0;
     virtual void resize(NSWindow& window, NSSize size) = 0;
+    // The items of a menu of the window's menu bar, as it is opened now; the bar's own without a title.
+    virtual std::vector<std::string> openMenu(NSWindow& window, const std::string& title) = 0;
     virtual void move(NSWindow& window, NSPoint contentOriginFromTopLeftOfScreen) = 0;
     virtual void close(NSWindow& window) = 0;         // asks, as the user does
     virtual void takeAway(NSWindow& window) = 0;      // the real window is destroyed behind the kit's back

@@ -67,6 +67,12 @@ public:
         }
     }
     void resize(NSWindow& window, NSSize size) override { real(window).resizeByUser(size); }
+    std::vector<std::string> openMenu(NSWindow& window, const std::string& title) override {
+        auto lines = real(window).menuItems(title.empty() ? std::vector<std::string>() : std::vector{title});
+        for (auto& line : lines) // without its key, and the mark of a submenu
+            for (const char* const rest : {" [", " >"}) line.resize(std::min(line.find(rest), line.size()));
+        return lines;
+    }
     void move(NSWindow& window, NSPoint origin) override { real(window).moveByUser(origin); }
     void close(NSWindow& window) override { real(window).closeByUser(); }
     void takeAway(NSWindow& window) override { real(window).destroy(); }

@@ -6,6 +6,8 @@
 #include <QCloseEvent>
 #include <QDialog>
 #include <QImage>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -67,6 +69,20 @@ public:
     }
     void resize(NSWindow& window, NSSize size) override {
         top(window).resize(int(size.width), int(size.height));
+    }
+    std::vector<std::string> openMenu(NSWindow& window, const std::string& title) override {
+        const auto* const bar = top(window).findChild<QMenuBar*>();
+        std::vector<std::string> titles;
+        if (!bar) return titles;
+        QList<QAction*> actions = bar->actions();
+        for (QAction* const action : bar->actions()) {
+            if (action->text().toStdString() != title) continue;
+            Q_EMIT action->menu()->aboutToShow();
+            actions = action->menu()->actions();
+        }
+        for (const QAction* const action : actions)
+            titles.push_back(action->text().section(QLatin1Char('\t'), 0, 0).toStdString());
+        return titles;
     }
     void move(NSWindow& window, NSPoint origin) override {
         QWidget& widget = top(window);

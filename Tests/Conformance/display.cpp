@@ -71,6 +71,24 @@ TEST_F(ConformanceDisplay, OnlyWhatIsMarkedIsDrawn) {
     EXPECT_EQ(child_->draws, 1);
 }
 
+TEST_F(ConformanceDisplay, NothingIsDrawnThatWasNotMarked) {
+    child_->acceptsFocus = true;
+    showAndForget();
+    adaptor_->press(*window_, {20, 20}); // the keyboard comes, too
+    adaptor_->settle();
+    adaptor_->drag(*window_, {60, 40});
+    adaptor_->release(*window_, {60, 40});
+    adaptor_->settle();
+    window_->makeFirstResponder(nullptr);
+    window_->setTitle("window under test");
+    adaptor_->move(*window_, {30, 40});
+    adaptor_->settle();
+    root_->addSubview(child_); // in front of its siblings again
+    adaptor_->settle();
+    EXPECT_EQ(child_->draws, 0);
+    EXPECT_EQ(root_->draws, 0);
+}
+
 TEST_F(ConformanceDisplay, ANewSizeLaysOutAndDrawsAndANewPlaceDoesNot) {
     showAndForget();
     child_->setFrameOrigin({20, 20});

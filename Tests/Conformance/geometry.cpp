@@ -1,5 +1,8 @@
 #include "Adaptor.h"
 
+#include <AppKit/NSButton.h>
+#include <AppKit/NSTextField.h>
+
 #include <cmath>
 
 namespace zr::conformance {
@@ -63,6 +66,37 @@ TEST_F(ConformanceGeometry, SubviewsOfAnUnflippedViewHangFromItsBottomWhenItGrow
     adaptor_->settle();
     EXPECT_EQ(child->frame(), NSMakeRect(5, 5, 10, 10));
     EXPECT_EQ(adaptor_->place(*window_, "child"), CGRect(NSMakeRect(5, 65, 10, 10)));
+}
+
+TEST_F(ConformanceGeometry, NothingIsResizedOrMovedByTheWindowSystemItself) {
+    const auto root = probe("root", NSMakeRect(0, 0, 200, 100), true);
+    const auto field = make<NSTextField>(NSMakeRect(10, 10, 80, 24));
+    const auto button = make<NSButton>(NSMakeRect(10, 40, 80, 30));
+    const auto box = probe("box", NSMakeRect(100, 10, 50, 50), true);
+    const auto inner = probe("inner", NSMakeRect(5, 5, 20, 20));
+    field->setIdentifier("field");
+    button->setIdentifier("button");
+    button->setTitle("A title that needs more room than there is");
+    for (const auto& view : std::vector<std::shared_ptr<NSView>>{field, button, box}) root->addSubview(view);
+    box->addSubview(inner);
+    show(root);
+    const auto placesAreKept = [&] {
+        for (const auto& view : std::vector<std::shared_ptr<NSView>>{field, button, box, inner})
+            EXPECT_EQ(adaptor_->place(*window_, view->identifier()), placeOf(*view)) << view->identifier();
+        EXPECT_EQ(field->frame(), NSMakeRect(10, 10, 80, 24));
+        EXPECT_EQ(button->frame(), NSMakeRect(10, 40, 80, 30));
+        EXPECT_EQ(inner->frame(), NSMakeRect(5, 5, 20, 20));
+    };
+    placesAreKept();
+    adaptor_->resize(*window_, {300, 160});
+    adaptor_->settle();
+    placesAreKept();
+    box->setFrame(NSMakeRect(120, 20, 70, 80));
+    adaptor_->settle();
+    placesAreKept();
+    field->setStringValue("A text that is much too long for the field in which it stands");
+    adaptor_->settle();
+    placesAreKept();
 }
 
 TEST_F(ConformanceGeometry, FractionsStayInTheViewAndEdgesAreRoundedOnTheScreen) {

@@ -43,8 +43,8 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
     prefix = folder / "prefix"
     run("cmake", "--install", build, "--prefix", prefix)
     private = {"InstalledHost.h", "Program.h", "Waiting.h", "ObjectClasses.h", "FileClasses.h", "StringsTable.h", "Unicode.h",
-               "BinaryPropertyList.h", "Bookmark.h", "FileQuestions.h", "UserLanguages.h", "DefaultsFile.h", "Installation.h",
-               "WindowSystem.h", "QtViews.h"}
+               "BinaryPropertyList.h", "Bookmark.h", "FileQuestions.h", "UserLanguages.h", "DefaultsFile.h", "InstalledSystem.h",
+               "DrawingSystem.h", "Drawing.h", "Windows.h", "Controls.h", "ViewWidget.h", "RealWindow.h"}
     assert not private & {header.name for header in prefix.rglob("*.h")}, "private headers are installed"
 
     hosts = re.findall(r"```cpp\n(.*?)```", (source / "README.md").read_text(), re.DOTALL)

@@ -1,5 +1,7 @@
 #include "NibArchive.h"
 
+#include <AppKit/NSView.h>
+#include <AppKit/NSWindow.h>
 #include <Foundation/NSString.h>
 
 #include <algorithm>
@@ -111,14 +113,16 @@ const WordRow kWords[] = {
 // <autoresizingMask key="autoresizingMask" widthSizable="YES"/>
 using Bit = std::pair<const char*, unsigned>;
 constexpr Bit kAutoresizingBits[] = {
-    {"flexibleMinX", 1}, {"widthSizable", 2},   {"flexibleMaxX", 4},
-    {"flexibleMinY", 8}, {"heightSizable", 16}, {"flexibleMaxY", 32},
+    {"flexibleMinX", NSViewMinXMargin},     {"widthSizable", NSViewWidthSizable},
+    {"flexibleMaxX", NSViewMaxXMargin},     {"flexibleMinY", NSViewMinYMargin},
+    {"heightSizable", NSViewHeightSizable}, {"flexibleMaxY", NSViewMaxYMargin},
 };
 constexpr Bit kStyleBits[] = {
-    {"titled", 1},
-    {"closable", 2},
-    {"miniaturizable", 4},
-    {"resizable", 8},
+    {"titled", NSWindowStyleMaskTitled},
+    {"closable", NSWindowStyleMaskClosable},
+    {"miniaturizable", NSWindowStyleMaskMiniaturizable},
+    {"resizable", NSWindowStyleMaskResizable},
+    // Known, and without effect.
     {"utility", 16},
     {"documentModal", 64},
     {"nonactivatingPanel", 128},

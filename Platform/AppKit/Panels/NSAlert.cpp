@@ -99,6 +99,81 @@ std::shared_ptr<NSTextField> paragraph(const std::string& text, const NSFont& fo
     return label;
 }
 
+// Buttons fill rows from the trailing end; more of them than fit are on the next row.
+class ButtonRows {
+public:
+    ButtonRows(const std::vector<std::shared_ptr<NSButton>>& buttons, double width) {
+        double right = width - kMargin;
+        for (const auto& button : buttons) {
+            button->sizeToFit();
+            const double own =
+                std::min(std::max(kLeastButtonWidth, button->frame().size.width), width - 2 * kMargin);
+            button->setFrameSize({own, button->frame().size.height});
+            rowHeight_ = std::max(rowHeight_, button->frame().size.height);
+            if (right - own < kMargin && right < width - kMargin) {
+                right = width - kMargin;
+                ++lastRow_;
+            }
+            places_.push_back({button, lastRow_, right});
+            right -= own + kButtonGap;
+        }
+    }
+    double height() const { return double(lastRow_ + 1) * rowHeight_ + double(lastRow_) * kButtonGap; }
+    void addTo(NSView& content) const {
+        for (const auto& [button, row, right] : places_) {
+            const double y = kMargin + height() - double(row + 1) * rowHeight_ - double(row) * kButtonGap;
+            button->setFrameOrigin({right - button->frame().size.width, y});
+            content.addSubview(button);
+        }
+    }
+
+private:
+    struct Place {
+        std::shared_ptr<NSButton> button;
+        std::size_t row = 0;
+        double right = 0;
+    };
+    std::vector<Place> places_;
+    std::size_t lastRow_ = 0;
+    double rowHeight_ = 0;
+};
+
+// The message, and what it means below. Texts that do not fit on the screen share the room, and scroll.
+class Texts {
+public:
+    Texts(const std::string& message, const std::string& information, double width, double below)
+        : message_(paragraph(message, NSFont::boldSystemFontOfSize(0), width)) {
+        if (!information.empty()) information_ = paragraph(information, NSFont::systemFontOfSize(11), width);
+        const double screen = NSScreen::mainScreen().frame().size.height;
+        const double room = std::max(60.0, screen * kLargestPartOfScreen - below);
+        limit(*message_, information_ ? room / 2 : room);
+        if (information_) limit(*information_, room - message_->frame().size.height - kTextGap);
+    }
+    double height() const {
+        const double own = message_->frame().size.height;
+        return information_ ? own + (kTextGap + information_->frame().size.height) : own;
+    }
+    void addTo(NSView& content, NSPoint topLeft) const {
+        place(content, *message_, topLeft, "alertMessage");
+        topLeft.y -= message_->frame().size.height;
+        if (information_) place(content, *information_, {topLeft.x, topLeft.y - kTextGap}, "alertInformation");
+    }
+
+private:
+    static void limit(NSTextField& label, double height) {
+        if (label.frame().size.height <= height) return;
+        label.setFrameSize({label.frame().size.width, std::floor(height)});
+        label.setScrolls(true);
+    }
+    static void place(NSView& content, NSTextField& label, NSPoint topLeft, const char* name) {
+        label.setFrameOrigin({topLeft.x, topLeft.y - label.frame().size.height});
+        label.setIdentifier(name);
+        content.addSubview(retained(&label));
+    }
+
+    std::shared_ptr<NSTextField> message_, information_; // null for none
+};
+
 } // namespace
 
 // Closing the alert by its frame presses the button that Escape presses, and nothing else.
@@ -150,69 +225,31 @@ NSWindow& NSAlert::window() {
     return *window_;
 }
 
+std::vector<std::shared_ptr<NSButton>> NSAlert::shownButtons() {
+    if (!buttons_.empty()) return buttons_;
+    const auto ok = NSButton::buttonWithTitle_target_action(localized("OK"), nullptr, "pressed:");
+    ok->setTarget(shared_from_this());
+    ok->setTag(NSAlertFirstButtonReturn);
+    ok->setKeyEquivalent(kReturnCharacter);
+    return {ok};
+}
+
 void NSAlert::layOut() {
-    auto shown = buttons_;
-    if (shown.empty()) {
-        const auto ok = NSButton::buttonWithTitle_target_action(localized("OK"), nullptr, "pressed:");
-        ok->setTarget(shared_from_this());
-        ok->setTag(NSAlertFirstButtonReturn);
-        ok->setKeyEquivalent(kReturnCharacter);
-        shown.push_back(ok);
-    }
+    const auto shown = shownButtons();
     const auto hasEscape = [](const auto& button) { return button->keyEquivalent() == kEscapeCharacter; };
     auto cancel = std::ranges::find_if(shown, hasEscape);
     if (cancel == shown.end()) cancel = std::ranges::find(shown, localized("Cancel"), &NSButton::title);
     closing_->escape = cancel == shown.end() ? nullptr : *cancel;
 
-    const NSSize screen = NSScreen::mainScreen().frame().size;
     double textWidth = kTextWidth;
     if (accessoryView_) textWidth = std::max(textWidth, accessoryView_->frame().size.width);
-
-    // Buttons fill rows from the trailing end; more of them than fit are on the next row.
     const double width = kMargin + kIconSize + kIconGap + textWidth + kMargin;
-    struct Place {
-        std::shared_ptr<NSButton> button;
-        std::size_t row = 0;
-        double right = 0;
-    };
-    std::vector<Place> places;
-    double right = width - kMargin, rowHeight = 0;
-    std::size_t row = 0;
-    for (const auto& button : shown) {
-        button->sizeToFit();
-        const double own =
-            std::min(std::max(kLeastButtonWidth, button->frame().size.width), width - 2 * kMargin);
-        button->setFrameSize({own, button->frame().size.height});
-        rowHeight = std::max(rowHeight, button->frame().size.height);
-        if (right - own < kMargin && right < width - kMargin) {
-            right = width - kMargin;
-            ++row;
-        }
-        places.push_back({button, row, right});
-        right -= own + kButtonGap;
-    }
-    const double buttonsHeight = double(row + 1) * rowHeight + double(row) * kButtonGap;
-
-    const auto message = paragraph(messageText_, NSFont::boldSystemFontOfSize(0), textWidth);
-    const auto information = informativeText_.empty()
-                                 ? nullptr
-                                 : paragraph(informativeText_, NSFont::systemFontOfSize(11), textWidth);
-    double below = buttonsHeight + kSectionGap + 2 * kMargin;
+    const ButtonRows rows(shown, width);
+    double below = rows.height() + kSectionGap + 2 * kMargin;
     if (accessoryView_) below += accessoryView_->frame().size.height + kSectionGap;
-    // Texts that do not fit on the screen share the room, and scroll.
-    const double room = std::max(60.0, screen.height * kLargestPartOfScreen - below);
-    const auto limit = [](NSTextField& label, double height) {
-        if (label.frame().size.height <= height) return;
-        label.setFrameSize({label.frame().size.width, std::floor(height)});
-        label.setScrolls(true);
-    };
-    limit(*message, information ? room / 2 : room);
-    if (information) limit(*information, room - message->frame().size.height - kTextGap);
-    double textHeight = message->frame().size.height;
-    if (information) textHeight += kTextGap + information->frame().size.height;
-    textHeight = std::max(textHeight, kIconSize);
+    const Texts texts(messageText_, informativeText_, textWidth, below);
 
-    const double height = below + textHeight;
+    const double height = below + std::max(texts.height(), kIconSize);
     const auto content = make<AlertContent>(NSRect{NSZeroPoint, {width, height}});
     content->escape = closing_->escape;
     const auto icon = make<AlertIcon>(NSRect{{kMargin, height - kMargin - kIconSize}, {kIconSize, kIconSize}});
@@ -220,27 +257,12 @@ void NSAlert::layOut() {
     icon->setIdentifier("alertIcon");
     content->addSubview(icon);
     const double left = kMargin + kIconSize + kIconGap;
-    double top = height - kMargin;
-    const auto place = [&](const std::shared_ptr<NSTextField>& label, const char* name) {
-        top -= label->frame().size.height;
-        label->setFrameOrigin({left, top});
-        label->setIdentifier(name);
-        content->addSubview(label);
-    };
-    place(message, "alertMessage");
-    if (information) {
-        top -= kTextGap;
-        place(information, "alertInformation");
-    }
+    texts.addTo(*content, {left, height - kMargin});
     if (accessoryView_) {
-        accessoryView_->setFrameOrigin({left, kMargin + buttonsHeight + kSectionGap});
+        accessoryView_->setFrameOrigin({left, kMargin + rows.height() + kSectionGap});
         content->addSubview(accessoryView_);
     }
-    for (const auto& [button, ofRow, buttonRight] : places) {
-        const double y = kMargin + buttonsHeight - double(ofRow + 1) * rowHeight - double(ofRow) * kButtonGap;
-        button->setFrameOrigin({buttonRight - button->frame().size.width, y});
-        content->addSubview(button);
-    }
+    rows.addTo(*content);
     window_->setContentSize({width, height});
     window_->setContentView(content);
 }

@@ -59,6 +59,7 @@ public:
 
 private:
     class Closing;
+    std::vector<std::shared_ptr<NSButton>> shownButtons(); // an "OK" where there are none
     void layOut();
     void pressed(NSObject* sender);
 

@@ -30,15 +30,19 @@ std::unique_ptr<port::ViewPeer> NSTableHeaderView::makePeer(port::PeerFactory& f
     if (!headerClient_) headerClient_ = std::make_unique<Client>(*this);
     auto peer = factory.make<port::TableHeaderPeer>(parent, client, {*headerClient_});
     header_ = peer.get();
+    tableChanged();
     columnsChanged();
     return peer;
+}
+
+void NSTableHeaderView::tableChanged() {
+    if (header_) header_->setTable(tableView_ ? tableView_->table_ : nullptr);
 }
 
 void NSTableHeaderView::columnsChanged() {
     if (!tableView_) return;
     setBoundsOrigin({tableView_->bounds().origin.x, 0});
     if (!header_) return;
-    header_->setTable(tableView_->table_);
     header_->setColumns(tableView_->shownColumns());
     header_->setOffset(bounds().origin.x);
 }

@@ -34,6 +34,7 @@ private:
     friend class NSTableView;
     struct Client;
     void columnsChanged();
+    void tableChanged(); // or its peer
 
     std::unique_ptr<Client> headerClient_;
     port::TableHeaderPeer* header_ = nullptr; // the peer, as what it is

@@ -120,10 +120,16 @@ void NSTableView::columnsChanged() {
 
 void NSTableView::setHeaderView(const std::shared_ptr<NSTableHeaderView>& header) {
     if (header == headerView_) return;
-    if (headerView_) headerView_->tableView_ = nullptr;
+    if (headerView_) {
+        headerView_->tableView_ = nullptr;
+        headerView_->tableChanged();
+    }
     headerView_ = header;
-    if (header) header->tableView_ = this;
-    if (header) header->columnsChanged();
+    if (header) {
+        header->tableView_ = this;
+        header->tableChanged();
+        header->columnsChanged();
+    }
     if (auto* const scrollView = enclosingScrollView()) scrollView->tile();
 }
 
@@ -313,7 +319,13 @@ std::unique_ptr<port::ViewPeer> NSTableView::makePeer(port::PeerFactory& factory
     table_->reload(static_cast<std::size_t>(rowCount_.value_or(0)));
     table_->setSelection(selected_);
     table_->setEnabled(isEnabled());
+    if (headerView_) headerView_->tableChanged();
     return peer;
+}
+
+void NSTableView::peerWillGo() {
+    table_ = nullptr;
+    if (headerView_) headerView_->tableChanged();
 }
 
 } // namespace zr

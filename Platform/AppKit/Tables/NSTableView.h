@@ -113,7 +113,7 @@ public:
 protected:
     std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                              port::ViewClient& client) override;
-    void peerWillGo() override { table_ = nullptr; }
+    void peerWillGo() override;
 
 private:
     friend class NSTableColumn;

@@ -2,6 +2,8 @@
 
 #include <Base/Event.h>
 
+#include <utility>
+
 namespace zr {
 
 // What the user did. A value. Locations are in window coordinates: points, origin at the lower left of the
@@ -10,6 +12,7 @@ class NSEvent {
 public:
     // `event` is y-down, from the top left of a content of that height.
     NSEvent(InputEvent event, double contentHeight);
+    explicit NSEvent(InputEvent inWindowCoordinates) : event_(std::move(inWindowCoordinates)) {}
 
     NSEventType type() const { return event_.type; }
     NSPoint locationInWindow() const { return event_.location; }

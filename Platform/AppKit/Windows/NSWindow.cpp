@@ -418,8 +418,7 @@ void NSWindow::pressesEnd() {
     const auto held = retained(this);
     const auto pressed = mouse_->endPresses();
     cancelTracking();
-    if (pressed && NSApplication::sharedApplication().eventsInHand_ == 0)
-        mouse_->release(*pressed, contentSize().height);
+    if (pressed && NSApplication::sharedApplication().eventsInHand_ == 0) mouse_->release(*pressed);
 }
 
 void NSWindow::scheduleUpdate() {

@@ -94,7 +94,8 @@ bool WindowFocus::performKeyEquivalentOf(const char* characters) {
     event.type = NSEventTypeKeyDown;
     event.characters = event.charactersIgnoringModifiers = characters;
     const auto content = retained(&owner_.content());
-    return content->performKeyEquivalent(NSEvent(event, content->frame().size.height));
+    event.location = {0, content->frame().size.height};
+    return content->performKeyEquivalent(NSEvent(event));
 }
 
 void WindowFocus::handle(const NSEvent& event) {

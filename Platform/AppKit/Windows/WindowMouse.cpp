@@ -87,11 +87,11 @@ std::shared_ptr<NSView> WindowMouse::endPresses() {
     return view;
 }
 
-void WindowMouse::release(NSView& view, double contentHeight) const {
+void WindowMouse::release(NSView& view) const {
     InputEvent release;
     release.type = NSEventTypeLeftMouseUp;
-    release.location = {lastPress_.x, contentHeight - lastPress_.y};
-    view.mouseUp(NSEvent(release, contentHeight));
+    release.location = lastPress_;
+    view.mouseUp(NSEvent(release));
 }
 
 bool WindowMouse::viewLeaves(NSView& view) {

@@ -20,7 +20,7 @@ public:
     bool viewLeaves(NSView& view);
 
     // As where the left button was last seen down.
-    void release(NSView& view, double contentHeight) const;
+    void release(NSView& view) const;
     bool pressWasEnded() const { return pressWasEnded_; } // until the next press
 
 private:

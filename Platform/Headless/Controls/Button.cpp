@@ -4,7 +4,7 @@
 
 namespace zr::headless {
 
-CGSize Button::naturalSize() const {
+Size Button::naturalSize() const {
     const auto size = window->system.measure(title_, {});
     return {size.width + port::kUsualButtonPadding.width,
             size.ascent + size.descent + port::kUsualButtonPadding.height};

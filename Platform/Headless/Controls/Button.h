@@ -13,7 +13,7 @@ public:
     void setTitle(const std::string& title) override { title_ = title; }
     void setEnabled(bool enabled) override { enabled_ = enabled; }
     void setDefault(bool isDefault) override { isDefault_ = isDefault; }
-    CGSize naturalSize() const override;
+    Size naturalSize() const override;
 
     Press press() override;
     void release() override;

@@ -25,10 +25,10 @@ std::string pair(double a, double b) {
     return out;
 }
 
-std::string written(const CGPoint& point) { return pair(point.x, point.y); }
-std::string written(const CGSize& size) { return pair(size.width, size.height); }
+std::string written(const Point& point) { return pair(point.x, point.y); }
+std::string written(const Size& size) { return pair(size.width, size.height); }
 
-std::string written(const CGRect& rect) {
+std::string written(const Rect& rect) {
     std::string out = "{";
     out += written(rect.origin);
     out += ", ";
@@ -113,7 +113,7 @@ std::string Writer::line(const port::Image& image) const {
     std::string out = "image ";
     out += bitmap ? bitmap->name() : "?";
     const double scale = chosen ? chosen->scale : 1;
-    if (!bitmap || CGSize{size.width * scale, size.height * scale} != bitmap->pixelSize())
+    if (!bitmap || Size{size.width * scale, size.height * scale} != bitmap->pixelSize())
         out += " of " + written(size);
     out += " in " + written(destination) + " from " + written(source) + " operation " +
            std::to_string(compositing) + " fraction " + written(fraction);
@@ -149,7 +149,7 @@ std::vector<std::string> linesOf(const port::OperationList& list, double scale, 
     return lines;
 }
 
-std::shared_ptr<NamedBitmap> drawnBitmap(CGSize size, double scale, Appearance appearance,
+std::shared_ptr<NamedBitmap> drawnBitmap(Size size, double scale, Appearance appearance,
                                          const port::OperationList& list) {
     std::string name = "[";
     for (const auto& line : linesOf(list, scale, appearance)) {
@@ -157,7 +157,7 @@ std::shared_ptr<NamedBitmap> drawnBitmap(CGSize size, double scale, Appearance a
         name += line;
     }
     name += "]";
-    return std::make_shared<NamedBitmap>(std::move(name), CGSize{size.width * scale, size.height * scale});
+    return std::make_shared<NamedBitmap>(std::move(name), Size{size.width * scale, size.height * scale});
 }
 
 std::shared_ptr<NamedBitmap> readBitmap(const std::string& path) {
@@ -172,7 +172,7 @@ std::shared_ptr<NamedBitmap> readBitmap(const std::string& path) {
         for (std::size_t i = at; i < at + 4; ++i) value = (value << 8) | static_cast<unsigned char>(head[i]);
         return static_cast<double>(value);
     };
-    const CGSize pixels = {number(16), number(20)};
+    const Size pixels = {number(16), number(20)};
     return std::make_shared<NamedBitmap>(std::filesystem::path(path).filename().string(), pixels);
 }
 

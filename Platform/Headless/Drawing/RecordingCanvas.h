@@ -27,17 +27,17 @@ private:
 // A picture that is known by the name of its file, or by the operations that drew it, and by its size.
 class NamedBitmap final : public port::Bitmap {
 public:
-    NamedBitmap(std::string name, CGSize pixels) : name_(std::move(name)), pixels_(pixels) {}
-    CGSize pixelSize() const override { return pixels_; }
+    NamedBitmap(std::string name, Size pixels) : name_(std::move(name)), pixels_(pixels) {}
+    Size pixelSize() const override { return pixels_; }
     const std::string& name() const { return name_; }
 
 private:
     std::string name_;
-    CGSize pixels_;
+    Size pixels_;
 };
 
 // Its name is the list of the operations.
-std::shared_ptr<NamedBitmap> drawnBitmap(CGSize size, double scale, Appearance appearance,
+std::shared_ptr<NamedBitmap> drawnBitmap(Size size, double scale, Appearance appearance,
                                          const port::OperationList& list);
 
 // Null for a file that is no PNG picture.

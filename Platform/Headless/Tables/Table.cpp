@@ -6,7 +6,7 @@
 
 namespace zr::headless {
 
-void Table::setFrame(const CGRect& newFrame) {
+void Table::setFrame(const Rect& newFrame) {
     PeerOf::setFrame(newFrame);
     scrollTo(offset_);
 }
@@ -19,14 +19,14 @@ void Table::reload(std::size_t count) {
 
 void Table::scrollToRow(std::size_t row) {
     const double top = static_cast<double>(row) * rowHeight(), height = frame.size.height;
-    CGPoint offset = offset_;
+    Point offset = offset_;
     if (top + rowHeight() > offset.y + height) offset.y = top + rowHeight() - height;
     if (top < offset.y) offset.y = top;
     scrollTo(offset);
 }
 
 // As far as there is anything to see.
-void Table::scrollTo(CGPoint wanted) {
+void Table::scrollTo(Point wanted) {
     double width = 0;
     for (const auto& column : columns) width += column.width;
     const double right = width - frame.size.width;
@@ -77,8 +77,8 @@ bool Window::clickRow(std::string_view viewName, std::size_t row, std::uint32_t 
     const double middle = table.middleOf(row);
     if (row >= table.rowCount || middle < 0 || middle >= table.frame.size.height || !table.isShown())
         return false;
-    const CGPoint corner = table.originInContent();
-    const CGPoint point = {corner.x + 1, contentSize().height - (corner.y + middle)};
+    const Point corner = table.originInContent();
+    const Point point = {corner.x + 1, contentSize().height - (corner.y + middle)};
     return mouseDown(point, modifierFlags) && mouseUp(point, modifierFlags);
 }
 

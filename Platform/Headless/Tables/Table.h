@@ -18,7 +18,7 @@ public:
     Table(port::ViewPeer& superview, port::ViewClient& viewClient, const Parts& parts)
         : PeerOf(superview, viewClient), table_(parts.table) {}
 
-    void setFrame(const CGRect& newFrame) override;
+    void setFrame(const Rect& newFrame) override;
     void setColumns(const std::vector<port::TableColumn>& now) override { columns = now; }
     void reload(std::size_t rowCount) override;
     void setSelection(const std::set<std::size_t>& rows) override { selectedRows = rows; }
@@ -36,10 +36,10 @@ public:
     std::set<std::size_t> selectedRows;
 
 private:
-    void scrollTo(CGPoint wanted);
+    void scrollTo(Point wanted);
 
     port::TableClient& table_;
-    CGPoint offset_; // as far as it is scrolled
+    Point offset_; // as far as it is scrolled
 };
 
 class TableHeader final : public PeerOf<port::TableHeaderPeer>, public HasColumns {

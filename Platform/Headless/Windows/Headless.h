@@ -25,22 +25,22 @@ public:
     virtual ~Window() = default;
 
     virtual const std::string& title() const = 0;
-    virtual CGSize contentSize() const = 0;
+    virtual Size contentSize() const = 0;
     virtual bool isVisible() const = 0;
 
     // What the user does. Each ends with a display cycle, as an event does on a screen. Answers whether the
     // window took it.
-    bool mouseDown(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
-    bool mouseDragged(CGPoint point, std::uint32_t modifierFlags = 0);
-    bool mouseUp(CGPoint point, std::uint32_t modifierFlags = 0, int clickCount = 1);
-    bool scrollWheel(CGPoint point, double deltaX, double deltaY);
+    bool mouseDown(Point point, std::uint32_t modifierFlags = 0, int clickCount = 1);
+    bool mouseDragged(Point point, std::uint32_t modifierFlags = 0);
+    bool mouseUp(Point point, std::uint32_t modifierFlags = 0, int clickCount = 1);
+    bool scrollWheel(Point point, double deltaX, double deltaY);
     bool keyDown(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
     // A key down for each character, to whoever has the keyboard.
     void type(std::string_view text);
     bool keyUp(std::uint16_t keyCode, const std::string& characters = {}, std::uint32_t modifierFlags = 0);
     virtual bool send(InputEvent eventInWindowCoordinates) = 0;
-    virtual void resizeByUser(CGSize contentSize) = 0;         // within the limits
-    virtual void moveByUser(CGPoint contentOrigin) = 0;        // from the top left of the screen
+    virtual void resizeByUser(Size contentSize) = 0;           // within the limits
+    virtual void moveByUser(Point contentOrigin) = 0;          // from the top left of the screen
     virtual std::vector<std::string> toolbarItems() const = 0; // their labels
     virtual bool clickToolbarItem(std::string_view label) = 0; // false where there is none that can be clicked
     virtual std::string selectedToolbarItem() const = 0;       // its label; empty for none
@@ -58,7 +58,7 @@ public:
     // content).
     const std::vector<std::string>& drawing(std::string_view viewName) const;
     int drawCount(std::string_view viewName) const;
-    std::optional<CGRect> frameInContent(std::string_view viewName) const;
+    std::optional<Rect> frameInContent(std::string_view viewName) const;
     std::string labelText(std::string_view viewName) const; // or of a field or button
     // Of a field: "editable", "selectable", "bezel", "background", "ring", "all selected"; of a button
     // "default"; of a label "scrolls"; of a progress indicator "running".
@@ -100,7 +100,7 @@ public:
 
 struct Options {
     double scale = 1;
-    CGSize screenSize = {1280, 800};
+    Size screenSize = {1280, 800};
     Appearance appearance = Appearance::light;
     std::vector<std::string> preferredLanguages = {"en"};
     std::filesystem::path mainBundle = "/nonexistent";

@@ -20,7 +20,7 @@ bool isMouseEvent(NSEventType type) {
 
 } // namespace
 
-RealWindow::RealWindow(System& platform, port::WindowClient& owner, CGSize size, port::WindowStyle frameStyle)
+RealWindow::RealWindow(System& platform, port::WindowClient& owner, Size size, port::WindowStyle frameStyle)
     : system(platform), client(&owner), contentSize_(size), style_(frameStyle) {
     system.windows.push_back(this);
 }
@@ -128,7 +128,7 @@ bool RealWindow::closeByUser() {
 
 // Place and size
 
-void RealWindow::resizeByUser(CGSize size) {
+void RealWindow::resizeByUser(Size size) {
     if (!style_.resizable) return;
     auto& platform = system;
     setContentSize({std::min(maximum_.width, std::max(minimum_.width, size.width)),
@@ -136,7 +136,7 @@ void RealWindow::resizeByUser(CGSize size) {
     platform.display();
 }
 
-CGSize RealWindow::setContentSize(CGSize size) {
+Size RealWindow::setContentSize(Size size) {
     contentSize_ = size;
     if (root) {
         root->frame = {NSZeroPoint, size};
@@ -146,17 +146,17 @@ CGSize RealWindow::setContentSize(CGSize size) {
     return size;
 }
 
-void RealWindow::setContentLimits(CGSize minimum, CGSize maximum) {
+void RealWindow::setContentLimits(Size minimum, Size maximum) {
     minimum_ = minimum;
     maximum_ = maximum;
 }
 
-void RealWindow::moveByUser(CGPoint contentOrigin) {
+void RealWindow::moveByUser(Point contentOrigin) {
     origin_ = contentOrigin;
     client->peerMoved();
 }
 
-void RealWindow::setFrameTopLeft(CGPoint topLeft) {
+void RealWindow::setFrameTopLeft(Point topLeft) {
     origin_ = {topLeft.x, topLeft.y + topInset()};
     client->peerMoved();
 }

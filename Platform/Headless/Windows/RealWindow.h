@@ -13,16 +13,16 @@ namespace zr::headless {
 // A window: seen by its client, and from outside.
 class RealWindow final : public Window, public port::WindowPeer, public port::WindowBars {
 public:
-    RealWindow(System& platform, port::WindowClient& owner, CGSize size, port::WindowStyle frameStyle);
+    RealWindow(System& platform, port::WindowClient& owner, Size size, port::WindowStyle frameStyle);
     ~RealWindow() override;
 
     // From outside
     const std::string& title() const override { return title_; }
-    CGSize contentSize() const override { return contentSize_; }
+    Size contentSize() const override { return contentSize_; }
     bool isVisible() const override { return visible; }
     bool send(InputEvent event) override;
-    void resizeByUser(CGSize size) override;
-    void moveByUser(CGPoint origin) override;
+    void resizeByUser(Size size) override;
+    void moveByUser(Point origin) override;
     bool closeByUser() override;
     void setKey(bool key) override;
     void blockByModalDialog() override { client->peerBlocked(); }
@@ -41,12 +41,12 @@ public:
     void hide() override;
     void close() override { client->peerClosed(); }
     void setTitle(const std::string& title) override { title_ = title; }
-    CGSize setContentSize(CGSize size) override;
-    void setContentLimits(CGSize minimum, CGSize maximum) override;
+    Size setContentSize(Size size) override;
+    void setContentLimits(Size minimum, Size maximum) override;
     void scheduleUpdate() override { updateScheduled = true; }
-    CGPoint contentOriginOnScreen() const override { return origin_; }
-    CGPoint frameTopLeft() const override { return {origin_.x, origin_.y - topInset()}; }
-    void setFrameTopLeft(CGPoint topLeft) override;
+    Point contentOriginOnScreen() const override { return origin_; }
+    Point frameTopLeft() const override { return {origin_.x, origin_.y - topInset()}; }
+    void setFrameTopLeft(Point topLeft) override;
     double topInset() const override;
     port::WindowBars* bars() override { return this; }
     double backingScale() const override;
@@ -79,10 +79,10 @@ private:
     bool handle(const InputEvent& event);
 
     std::string title_;
-    CGSize contentSize_;
-    CGSize minimum_;
-    CGSize maximum_{16777215, 16777215};
-    CGPoint origin_{100, 100};
+    Size contentSize_;
+    Size minimum_;
+    Size maximum_{16777215, 16777215};
+    Point origin_{100, 100};
     port::WindowStyle style_;
     bool key_ = false;
     std::vector<port::MenuItem> menuBar_;

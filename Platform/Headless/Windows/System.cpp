@@ -18,7 +18,7 @@ TextSize System::measure(std::string_view line, const FontDescription& font) {
     return {width, font.size * 0.75, font.size * 0.25};
 }
 
-std::unique_ptr<port::WindowPeer> System::makeWindow(port::WindowClient& client, CGSize contentSize,
+std::unique_ptr<port::WindowPeer> System::makeWindow(port::WindowClient& client, Size contentSize,
                                                      port::WindowStyle style) {
     return std::make_unique<RealWindow>(*this, client, contentSize, style);
 }
@@ -35,7 +35,7 @@ std::unique_ptr<port::ViewPeer> System::makeView(port::ViewPeer& parent, port::V
 }
 
 std::vector<port::Screen> System::screens() const {
-    const CGRect whole{NSZeroPoint, options.screenSize};
+    const Rect whole{NSZeroPoint, options.screenSize};
     return {{whole, whole}};
 }
 

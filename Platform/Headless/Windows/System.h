@@ -29,14 +29,14 @@ public:
     explicit System(Options given);
 
     std::shared_ptr<port::Bitmap> loadBitmap(const std::string& path) override { return readBitmap(path); }
-    std::shared_ptr<port::Bitmap> makeBitmap(CGSize size, double scale,
+    std::shared_ptr<port::Bitmap> makeBitmap(Size size, double scale,
                                              const port::OperationList& operations) override {
         return drawnBitmap(size, scale, appearance(), operations);
     }
     TextSize measure(std::string_view line, const FontDescription& font) override;
     double screenScale() const override { return options.scale; }
 
-    std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, CGSize contentSize,
+    std::unique_ptr<port::WindowPeer> makeWindow(port::WindowClient& client, Size contentSize,
                                                  port::WindowStyle style) override;
     std::unique_ptr<port::ViewPeer> makeContentView(port::WindowPeer& window,
                                                     port::ViewClient& client) override;

@@ -5,22 +5,22 @@
 
 namespace zr::headless {
 
-bool Window::mouseDown(CGPoint point, std::uint32_t modifierFlags, int clickCount) {
+bool Window::mouseDown(Point point, std::uint32_t modifierFlags, int clickCount) {
     return send({.type = NSEventTypeLeftMouseDown,
                  .location = point,
                  .modifierFlags = modifierFlags,
                  .clickCount = clickCount});
 }
-bool Window::mouseDragged(CGPoint point, std::uint32_t modifierFlags) {
+bool Window::mouseDragged(Point point, std::uint32_t modifierFlags) {
     return send({.type = NSEventTypeLeftMouseDragged, .location = point, .modifierFlags = modifierFlags});
 }
-bool Window::mouseUp(CGPoint point, std::uint32_t modifierFlags, int clickCount) {
+bool Window::mouseUp(Point point, std::uint32_t modifierFlags, int clickCount) {
     return send({.type = NSEventTypeLeftMouseUp,
                  .location = point,
                  .modifierFlags = modifierFlags,
                  .clickCount = clickCount});
 }
-bool Window::scrollWheel(CGPoint point, double deltaX, double deltaY) {
+bool Window::scrollWheel(Point point, double deltaX, double deltaY) {
     return send({.type = NSEventTypeScrollWheel,
                  .location = point,
                  .scrollingDeltaX = deltaX,
@@ -58,10 +58,10 @@ int Window::drawCount(std::string_view viewName) const { return named(viewName).
 std::string Window::labelText(std::string_view viewName) const { return named(viewName).text(); }
 std::vector<std::string> Window::traits(std::string_view viewName) const { return named(viewName).traits(); }
 
-std::optional<CGRect> Window::frameInContent(std::string_view viewName) const {
+std::optional<Rect> Window::frameInContent(std::string_view viewName) const {
     const View& view = named(viewName);
     if (!view.isShown()) return std::nullopt;
-    return CGRect{view.originInContent(), view.frame.size};
+    return Rect{view.originInContent(), view.frame.size};
 }
 
 std::vector<std::string> Window::viewNames() const {

@@ -22,15 +22,15 @@ View::~View() {
     if (window->pressed == this) window->pressed = nullptr;
 }
 
-CGPoint View::originInContent() const {
+Point View::originInContent() const {
     if (!parent) return frame.origin;
-    const CGPoint corner = parent->originInContent();
+    const Point corner = parent->originInContent();
     return {corner.x + frame.origin.x, corner.y + frame.origin.y};
 }
 
-View* View::at(CGPoint point) {
+View* View::at(Point point) {
     if (hidden || !NSPointInRect(point, frame)) return nullptr;
-    const CGPoint own = {point.x - frame.origin.x, point.y - frame.origin.y};
+    const Point own = {point.x - frame.origin.x, point.y - frame.origin.y};
     for (std::size_t i = children.size(); i-- > 0;)
         if (View* const hit = children[i]->at(own)) return hit;
     return this;
@@ -46,7 +46,7 @@ void View::walk(const std::function<void(View&)>& visit) {
         if (!there.expired()) child->walk(visit);
 }
 
-void View::placeAt(const CGRect& newFrame) {
+void View::placeAt(const Rect& newFrame) {
     dirty = dirty || newFrame.size != frame.size;
     frame = newFrame;
 }

@@ -19,9 +19,9 @@ public:
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
-    CGPoint originInContent() const;
+    Point originInContent() const;
     bool isShown() const { return !hidden && (!parent || parent->isShown()); }
-    View* at(CGPoint point); // in the parent's coordinates
+    View* at(Point point); // in the parent's coordinates
     // Visits may take views away, this one included.
     void walk(const std::function<void(View&)>& visit);
 
@@ -41,7 +41,7 @@ public:
     port::ViewClient* client;
     std::vector<View*> children;
     std::shared_ptr<bool> alive = std::make_shared<bool>(true);
-    CGRect frame;
+    Rect frame;
     bool hidden = false;
     bool dirty = true;
     std::string name;
@@ -49,7 +49,7 @@ public:
     int drawCount = 0;
 
 protected:
-    void placeAt(const CGRect& newFrame);
+    void placeAt(const Rect& newFrame);
     void show(bool shown);
     void raiseAboveSiblings();
     void takeKeyboard();
@@ -70,7 +70,7 @@ public:
         : View(*viewOf(superview).window, &viewOf(superview), viewClient) {}
     PeerOf(RealWindow& ofWindow, port::ViewClient& viewClient) : View(ofWindow, nullptr, viewClient) {}
 
-    void setFrame(const CGRect& newFrame) override { placeAt(newFrame); }
+    void setFrame(const Rect& newFrame) override { placeAt(newFrame); }
     void setHidden(bool nowHidden) override { show(!nowHidden); }
     void raise() override { raiseAboveSiblings(); }
     void invalidate() override { dirty = true; }

@@ -27,7 +27,7 @@ void ButtonPeer::setEnabled(bool enabled) {
     if (widget_) widget_->setEnabled(enabled);
 }
 
-CGSize ButtonPeer::naturalSize() const {
+Size ButtonPeer::naturalSize() const {
     if (!widget_) return {};
     const QSize size = widget_->sizeHint();
     return {double(size.width()), double(size.height())};

@@ -22,7 +22,7 @@ public:
     void setTitle(const std::string& title) override;
     void setEnabled(bool enabled) override;
     void setDefault(bool isDefault) override;
-    CGSize naturalSize() const override;
+    Size naturalSize() const override;
 };
 
 } // namespace zr::qt

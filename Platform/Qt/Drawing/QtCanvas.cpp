@@ -73,14 +73,14 @@ QtCanvas::QtCanvas(QPainter& painter, const Geometry& geometry) : painter_(paint
     }
 }
 
-QPointF QtCanvas::mapped(CGPoint point) const {
+QPointF QtCanvas::mapped(Point point) const {
     const double y = geometry_.yUp ? geometry_.height - point.y : point.y;
     return {origin_.x() + (point.x + geometry_.shift.x()) * scale_,
             origin_.y() + (y + geometry_.shift.y()) * scale_};
 }
 
-QRectF QtCanvas::mapped(const CGRect& rect) const {
-    const CGPoint topLeft = {rect.origin.x, geometry_.yUp ? NSMaxY(rect) : NSMinY(rect)};
+QRectF QtCanvas::mapped(const Rect& rect) const {
+    const Point topLeft = {rect.origin.x, geometry_.yUp ? NSMaxY(rect) : NSMinY(rect)};
     return {mapped(topLeft), QSizeF(rect.size.width * scale_, rect.size.height * scale_)};
 }
 
@@ -108,7 +108,7 @@ QPainterPath QtCanvas::mapped(const Path& path) const {
 }
 
 // Top and height on whole device pixels, one at least; the sides as they are.
-QRectF QtCanvas::bar(const CGRect& rect) const {
+QRectF QtCanvas::bar(const Rect& rect) const {
     QRectF result = mapped(rect);
     result.moveTop(std::round(result.top()));
     result.setHeight(std::max(1.0, std::round(result.height())));
@@ -119,7 +119,7 @@ bool QtCanvas::copies() const {
     return plain_ && painter_.compositionMode() == QPainter::CompositionMode_SourceOver;
 }
 
-void QtCanvas::paint(const port::OperationList& list, const CGRect& part) {
+void QtCanvas::paint(const port::OperationList& list, const Rect& part) {
     for (const auto& operation : list.operations())
         if (list.touches(operation, part)) std::visit([this](const auto& one) { paint(one); }, operation);
 }
@@ -210,7 +210,7 @@ void QtCanvas::paint(const port::Image& image) {
     const auto* chosen = port::bestRepresentation(*image.representations, scale_, geometry_.appearance);
     const auto* bitmap = chosen ? static_cast<const QtBitmap*>(chosen->bitmap.get()) : nullptr;
     if (!bitmap || NSIsEmptyRect({{}, image.size})) return;
-    const CGRect& source = image.source;
+    const Rect& source = image.source;
     QRectF target = mapped(image.destination);
     if (image.destination.size == source.size)
         target.moveTopLeft({std::round(target.left()), std::round(target.top())});
@@ -256,7 +256,7 @@ void QtCanvas::paint(const port::Text& text) {
 
 namespace {
 
-QImage transparent(CGSize size, double scale) {
+QImage transparent(Size size, double scale) {
     QImage image(static_cast<int>(std::ceil(size.width * scale)),
                  static_cast<int>(std::ceil(size.height * scale)), QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
@@ -266,7 +266,7 @@ QImage transparent(CGSize size, double scale) {
 
 } // namespace
 
-std::shared_ptr<QtBitmap> paintedBitmap(CGSize size, double scale, Appearance appearance,
+std::shared_ptr<QtBitmap> paintedBitmap(Size size, double scale, Appearance appearance,
                                         const port::OperationList& list) {
     QImage image = transparent(size, scale);
     QPainter painter(&image);

@@ -12,7 +12,7 @@ namespace zr::qt {
 class QtBitmap final : public port::Bitmap {
 public:
     explicit QtBitmap(QImage image) : image_(std::move(image)) {}
-    CGSize pixelSize() const override { return {double(image_.width()), double(image_.height())}; }
+    Size pixelSize() const override { return {double(image_.width()), double(image_.height())}; }
     const QImage& image() const { return image_; }
 
 private:
@@ -36,7 +36,7 @@ public:
     QtCanvas(QPainter& painter, const Geometry& geometry);
 
     // Paints what touches the part, in the view's coordinates.
-    void paint(const port::OperationList& list, const CGRect& part);
+    void paint(const port::OperationList& list, const Rect& part);
 
 private:
     void paint(const port::Save&) { painter_.save(); }
@@ -47,10 +47,10 @@ private:
     void paint(const port::Image& image);
     void paint(const port::Text& text);
 
-    QPointF mapped(CGPoint point) const;
-    QRectF mapped(const CGRect& rect) const;
+    QPointF mapped(Point point) const;
+    QRectF mapped(const Rect& rect) const;
     QPainterPath mapped(const Path& path) const;
-    QRectF bar(const CGRect& rect) const;
+    QRectF bar(const Rect& rect) const;
     void fillRectangle(const QRectF& rect, const QColor& colour);
     void fillRounded(const QRectF& rect, double xRadius, double yRadius, const QColor& colour);
     void fillOval(const QRectF& oval, const QColor& colour);
@@ -66,7 +66,7 @@ private:
 };
 
 // The operations' y runs up.
-std::shared_ptr<QtBitmap> paintedBitmap(CGSize size, double scale, Appearance appearance,
+std::shared_ptr<QtBitmap> paintedBitmap(Size size, double scale, Appearance appearance,
                                         const port::OperationList& list);
 
 } // namespace zr::qt

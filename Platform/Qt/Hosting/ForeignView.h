@@ -15,7 +15,7 @@ class ForeignPeer final : public port::ViewPeer, public HasWidget {
 public:
     ForeignPeer(QWidget* widget, std::shared_ptr<WindowLink> windowLink);
 
-    void setFrame(const CGRect&) override {}
+    void setFrame(const Rect&) override {}
     void setHidden(bool) override {}
     void raise() override {}
     void invalidate() override {}

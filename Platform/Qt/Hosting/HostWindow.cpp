@@ -15,7 +15,7 @@ namespace zr::qt {
 
 namespace {
 
-CGSize sizeOf(const QWidget& widget) { return {double(widget.width()), double(widget.height())}; }
+Size sizeOf(const QWidget& widget) { return {double(widget.width()), double(widget.height())}; }
 
 // What is done here reaches the host at once, which may delete the window.
 class HostWindowPeer final : public port::WindowPeer, public TopLevelPeer {
@@ -52,22 +52,20 @@ public:
     void setTitle(const std::string& title) override {
         if (top_) top_->setWindowTitle(QString::fromStdString(title));
     }
-    CGSize setContentSize(CGSize size) override {
+    Size setContentSize(Size size) override {
         const QPointer<QWidget> top = top_;
         if (top) top->resize(qRound(size.width), qRound(size.height));
         return top ? sizeOf(*top) : size;
     }
-    void setContentLimits(CGSize, CGSize) override {} // are the host's
+    void setContentLimits(Size, Size) override {} // are the host's
     void scheduleUpdate() override { host_.scheduleUpdate(); }
-    CGPoint frameTopLeft() const override {
-        return top_ ? CGPoint{double(top_->x()), double(top_->y())} : CGPoint{};
-    }
-    void setFrameTopLeft(CGPoint topLeft) override {
+    Point frameTopLeft() const override { return top_ ? Point{double(top_->x()), double(top_->y())} : Point{}; }
+    void setFrameTopLeft(Point topLeft) override {
         if (top_) top_->move(qRound(topLeft.x), qRound(topLeft.y));
     }
     double topInset() const override { return top_ ? top_->geometry().top() - top_->frameGeometry().top() : 0; }
     port::WindowBars* bars() override { return nullptr; }
-    CGPoint contentOriginOnScreen() const override {
+    Point contentOriginOnScreen() const override {
         if (!top_) return {};
         const QPointF origin = top_->mapToGlobal(QPointF(0, 0));
         return {origin.x(), origin.y()};

@@ -96,7 +96,7 @@ TableWidget::~TableWidget() {
     setModel(nullptr); // which goes first
 }
 
-void TableWidget::place(const CGRect& frame) {
+void TableWidget::place(const Rect& frame) {
     setGeometry(wholePoints(frame));
     tellScrolled();
 }

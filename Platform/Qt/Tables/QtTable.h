@@ -38,7 +38,7 @@ public:
     TableWidget(port::ViewPeer& superview, port::ViewClient& viewClient, port::TableClient& tableClient);
     ~TableWidget() override;
 
-    void place(const CGRect& frame);
+    void place(const Rect& frame);
     void setColumns(const std::vector<port::TableColumn>& columns);
     void reload(std::size_t rowCount);
     void markRows(const std::set<std::size_t>& rows);

@@ -76,7 +76,7 @@ public:
     }
     ~PeerOf() override { letGo(widget_); }
 
-    void setFrame(const CGRect& frame) override {
+    void setFrame(const Rect& frame) override {
         if (!widget_) return;
         if constexpr (requires { widget_->place(frame); })
             widget_->place(frame);

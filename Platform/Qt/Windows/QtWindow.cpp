@@ -15,7 +15,7 @@ namespace zr::qt {
 
 namespace {
 
-QSize wholeSize(CGSize size) {
+QSize wholeSize(Size size) {
     const auto limited = [](double length) {
         return static_cast<int>(std::clamp(std::round(length), 0.0, double(QWIDGETSIZE_MAX)));
     };
@@ -58,7 +58,7 @@ port::WindowInsets usualInsets() {
     return {.titleBar = lastTitleBar, .menuBar = last.second.menuBar, .toolbar = last.second.toolbar};
 }
 
-WindowPeer::WindowPeer(port::WindowClient& client, CGSize contentSize, port::WindowStyle style)
+WindowPeer::WindowPeer(port::WindowClient& client, Size contentSize, port::WindowStyle style)
     : widget_(new WindowWidget(client, style)), style_(style) {
     widget_->resize(wholeSize(contentSize));
     if (!style_.resizable) widget_->setFixedSize(widget_->size());
@@ -165,7 +165,7 @@ void WindowPeer::setTitle(const std::string& title) {
 
 // A resize reaches the client at once, which may let go of this peer. The widget is there until the event loop
 // runs.
-CGSize WindowPeer::setContentSize(CGSize size) {
+Size WindowPeer::setContentSize(Size size) {
     WindowWidget* const widget = widget_.data();
     if (!widget) return size;
     const QSize whole = wholeSize(size) + QSize(0, widget->barHeight());
@@ -181,7 +181,7 @@ CGSize WindowPeer::setContentSize(CGSize size) {
     return sizeOf(widget->size() - QSize(0, widget->barHeight()));
 }
 
-void WindowPeer::setContentLimits(CGSize minimum, CGSize maximum) {
+void WindowPeer::setContentLimits(Size minimum, Size maximum) {
     minimum_ = minimum;
     maximum_ = maximum;
     if (widget_) limit(widget_->size(), widget_->size());
@@ -200,18 +200,18 @@ void WindowPeer::scheduleUpdate() {
     if (widget_) widget_->scheduleUpdate();
 }
 
-CGPoint WindowPeer::contentOriginOnScreen() const {
+Point WindowPeer::contentOriginOnScreen() const {
     if (!widget_) return {};
     const QPointF origin = widget_->mapToGlobal(QPointF(0, widget_->barHeight()));
     return {origin.x(), origin.y()};
 }
 
-CGPoint WindowPeer::frameTopLeft() const {
+Point WindowPeer::frameTopLeft() const {
     if (!widget_) return {};
     return {double(widget_->x()), double(widget_->y())};
 }
 
-void WindowPeer::setFrameTopLeft(CGPoint topLeft) {
+void WindowPeer::setFrameTopLeft(Point topLeft) {
     if (widget_) widget_->move(qRound(topLeft.x), qRound(topLeft.y));
 }
 
@@ -223,7 +223,7 @@ double WindowPeer::topInset() const {
 template <class Bar>
 void WindowPeer::replace(Bar*& place, Bar* bar) {
     WindowWidget* const widget = widget_.data();
-    const CGSize content = sizeOf(widget->size() - QSize(0, widget->barHeight()));
+    const Size content = sizeOf(widget->size() - QSize(0, widget->barHeight()));
     if (place) {
         place->hide();
         place->deleteLater();

@@ -17,7 +17,7 @@ struct TopLevelPeer {
 
 class WindowPeer final : public port::WindowPeer, public port::WindowBars, public TopLevelPeer {
 public:
-    WindowPeer(port::WindowClient& client, CGSize contentSize, port::WindowStyle style);
+    WindowPeer(port::WindowClient& client, Size contentSize, port::WindowStyle style);
     ~WindowPeer() override;
 
     void show(bool activate) override;
@@ -26,12 +26,12 @@ public:
     void hide() override;
     void close() override;
     void setTitle(const std::string& title) override;
-    CGSize setContentSize(CGSize size) override;
-    void setContentLimits(CGSize minimum, CGSize maximum) override;
+    Size setContentSize(Size size) override;
+    void setContentLimits(Size minimum, Size maximum) override;
     void scheduleUpdate() override;
-    CGPoint contentOriginOnScreen() const override;
-    CGPoint frameTopLeft() const override;
-    void setFrameTopLeft(CGPoint topLeft) override;
+    Point contentOriginOnScreen() const override;
+    Point frameTopLeft() const override;
+    void setFrameTopLeft(Point topLeft) override;
     double topInset() const override;
     port::WindowBars* bars() override { return this; }
     double backingScale() const override;
@@ -51,7 +51,7 @@ private:
 
     QPointer<WindowWidget> widget_;
     QPointer<QWidget> behind_; // which was in front before this one was shown as modal
-    CGSize minimum_{}, maximum_{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}; // of the content
+    Size minimum_{}, maximum_{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}; // of the content
     port::WindowStyle style_;
 };
 

@@ -18,7 +18,7 @@ ViewWidget::ViewWidget(QWidget* parent, std::shared_ptr<WindowLink> windowLink, 
 
 ViewWidget::~ViewWidget() { tellGone(); }
 
-void ViewWidget::place(const CGRect& frame) {
+void ViewWidget::place(const Rect& frame) {
     const QRect whole = wholePoints(frame);
     shift_ = QPointF(frame.origin.x - whole.x(), frame.origin.y - whole.y());
     if (size_ != frame.size) drawn_ = false;
@@ -53,7 +53,7 @@ QRegion ViewWidget::drawAgain() {
     if (!comparable || !client) return rect();
     const bool yUp = client->peerDrawsUpwards();
     QRegion damage;
-    for (const CGRect& area : areas.merged()) {
+    for (const Rect& area : areas.merged()) {
         const double top = yUp ? size_.height - NSMaxY(area) : NSMinY(area);
         damage +=
             QRectF(area.origin.x, top, area.size.width, area.size.height).translated(shift_).toAlignedRect();
@@ -72,8 +72,8 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
     }
     const bool yUp = client->peerDrawsUpwards();
     const QRectF widgetPart = QRectF(event->rect()).translated(-shift_);
-    const CGRect part = {{widgetPart.x(), yUp ? size_.height - widgetPart.bottom() : widgetPart.top()},
-                         {widgetPart.width(), widgetPart.height()}};
+    const Rect part = {{widgetPart.x(), yUp ? size_.height - widgetPart.bottom() : widgetPart.top()},
+                       {widgetPart.width(), widgetPart.height()}};
     if (!shown_.touches(part)) return; // opening a painter is not free
     QPainter painter(this);
     QtCanvas canvas(painter, {.height = size_.height,

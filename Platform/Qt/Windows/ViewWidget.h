@@ -18,7 +18,7 @@ public:
     ViewWidget(QWidget* parent, std::shared_ptr<WindowLink> link, port::ViewClient& viewClient);
     ~ViewWidget() override;
 
-    void place(const CGRect& frame);
+    void place(const Rect& frame);
     static bool isDrawingWithinPaint() { return drawsWithinPaint_; }
     void invalidate(); // the view draws once, after the current event
     bool offersEventsOf(const QObject* receiver) const override { return receiver == this; }
@@ -43,7 +43,7 @@ private:
 
     port::OperationList shown_;
     QPointF shift_; // from the exact corner to the whole point where the widget stands
-    CGSize size_;
+    Size size_;
     bool drawn_ = false; // shown_ is what a drawing of this size gave
     bool drawingIsDue_ = false;
     static inline bool drawsWithinPaint_ = false;

@@ -60,7 +60,7 @@ bool endsPress(QWidget& topLevel, const QMouseEvent& press) {
     return views->client->peerTakesFocusByPress() && !views->client->peerMayTakeFocus();
 }
 
-QRect wholePoints(const CGRect& frame) {
+QRect wholePoints(const Rect& frame) {
     const QPoint topLeft(qRound(NSMinX(frame)), qRound(NSMinY(frame)));
     return {topLeft, QSize(qRound(NSMaxX(frame)) - topLeft.x(), qRound(NSMaxY(frame)) - topLeft.y())};
 }

@@ -59,6 +59,6 @@ protected:
 bool endsPress(QWidget& topLevel, const QMouseEvent& press);
 
 // Each edge goes to the nearest whole point.
-QRect wholePoints(const CGRect& frame);
+QRect wholePoints(const Rect& frame);
 
 } // namespace zr::qt

@@ -22,7 +22,7 @@ Qt::WindowFlags flagsOf(port::WindowStyle style) {
 
 } // namespace
 
-CGSize sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
+Size sizeOf(const QSize& size) { return {double(size.width()), double(size.height())}; }
 
 WindowWidget::WindowWidget(port::WindowClient& windowClient, port::WindowStyle style)
     : QWidget(nullptr, flagsOf(style)), client(&windowClient), closable(style.closable) {

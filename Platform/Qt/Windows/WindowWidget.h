@@ -45,6 +45,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override; // what nobody took
 };
 
-CGSize sizeOf(const QSize& size);
+Size sizeOf(const QSize& size);
 
 } // namespace zr::qt

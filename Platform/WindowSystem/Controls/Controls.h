@@ -63,7 +63,7 @@ public:
 
 // Beside and above a button's title, both sides together; as it usually is, for sizes before there is a real
 // one.
-inline constexpr CGSize kUsualButtonPadding{32, 14};
+inline constexpr Size kUsualButtonPadding{32, 14};
 
 class ButtonPeer : public virtual ViewPeer {
 public:
@@ -73,7 +73,7 @@ public:
     virtual void setTitle(const std::string& title) = 0;
     virtual void setEnabled(bool enabled) = 0;
     virtual void setDefault(bool isDefault) = 0; // the look of the button that Return presses
-    virtual CGSize naturalSize() const = 0;
+    virtual Size naturalSize() const = 0;
 };
 
 struct Progress {

@@ -21,7 +21,7 @@ namespace zr::port {
 class Bitmap {
 public:
     virtual ~Bitmap() = default;
-    virtual CGSize pixelSize() const = 0;
+    virtual Size pixelSize() const = 0;
 };
 
 // One of the pictures an image consists of. Who paints takes the one that suits its scale and appearance best.
@@ -70,13 +70,13 @@ class DamagedAreas;
 
 // Remembers the clip.
 struct Save {
-    std::optional<CGRect> bounds() const { return std::nullopt; }
+    std::optional<Rect> bounds() const { return std::nullopt; }
     bool operator==(const Save&) const = default;
 };
 
 // Brings back the clip last remembered.
 struct Restore {
-    std::optional<CGRect> bounds() const { return std::nullopt; }
+    std::optional<Rect> bounds() const { return std::nullopt; }
     bool operator==(const Restore&) const = default;
 };
 
@@ -84,7 +84,7 @@ struct Restore {
 struct Clip {
     Path path;
 
-    std::optional<CGRect> bounds() const { return std::nullopt; }
+    std::optional<Rect> bounds() const { return std::nullopt; }
     bool operator==(const Clip&) const = default;
 };
 
@@ -93,7 +93,7 @@ struct Fill {
     Colour colour;
     NSCompositingOperation compositing = NSCompositingOperationSourceOver;
 
-    std::optional<CGRect> bounds() const;
+    std::optional<Rect> bounds() const;
     bool addDifference(const Fill& next, DamagedAreas& areas) const; // of a bar that grew, its ends
     bool operator==(const Fill&) const = default;
 };
@@ -108,20 +108,20 @@ struct Stroke {
     Colour colour;
     StrokeStyle style;
 
-    std::optional<CGRect> bounds() const;
+    std::optional<Rect> bounds() const;
     bool operator==(const Stroke&) const = default;
 };
 
 // Draws `source` of the image (points of its own, lower left; never empty) into `destination`.
 struct Image {
     ImageRepresentations representations;
-    CGSize size; // of the image, points
-    CGRect destination;
-    CGRect source;
+    Size size; // of the image, points
+    Rect destination;
+    Rect source;
     NSCompositingOperation compositing = NSCompositingOperationSourceOver;
     double fraction = 1; // multiplies the alpha
 
-    std::optional<CGRect> bounds() const;
+    std::optional<Rect> bounds() const;
     bool operator==(const Image&) const = default;
 };
 
@@ -131,9 +131,9 @@ struct Text {
     Shared<std::string> text;
     FontDescription font;
     Colour colour;
-    CGPoint origin;
+    Point origin;
 
-    std::optional<CGRect> bounds() const { return std::nullopt; }
+    std::optional<Rect> bounds() const { return std::nullopt; }
     bool operator==(const Text&) const = default;
 };
 
@@ -146,11 +146,11 @@ class DamagedAreas {
 public:
     void clear() { areas_.clear(); }
     // What is snapped to device pixels or antialiased reaches a little further than it says.
-    void add(const CGRect& area);
-    const std::vector<CGRect>& merged() const { return areas_; }
+    void add(const Rect& area);
+    const std::vector<Rect>& merged() const { return areas_; }
 
 private:
-    std::vector<CGRect> areas_;
+    std::vector<Rect> areas_;
 };
 
 // A drawing pass: what a view drew, in its order. It can be painted again without asking the view, and compared
@@ -170,8 +170,8 @@ public:
     bool operator==(const OperationList&) const = default;
 
     // Whether the operation has to be painted for `part` to look right. Where a list clips, all of it has.
-    bool touches(const Operation& operation, const CGRect& part) const;
-    bool touches(const CGRect& part) const; // any of them
+    bool touches(const Operation& operation, const Rect& part) const;
+    bool touches(const Rect& part) const; // any of them
 
     // Adds the areas outside of which this list and the next one look the same; false when that cannot be told.
     bool compare(const OperationList& next, DamagedAreas& areas) const;
@@ -188,7 +188,7 @@ public:
     virtual ~Graphics() = default;
     virtual std::shared_ptr<Bitmap> loadBitmap(const std::string& path) = 0; // null when it cannot be read
     // Paints the operations, whose y runs up, on a transparent ground. The size, in points, is never empty.
-    virtual std::shared_ptr<Bitmap> makeBitmap(CGSize size, double scale, const OperationList& operations) = 0;
+    virtual std::shared_ptr<Bitmap> makeBitmap(Size size, double scale, const OperationList& operations) = 0;
     virtual TextSize measure(std::string_view line, const FontDescription& font) = 0;
     virtual double screenScale() const = 0; // device pixels for a point, the largest of all screens
 };

@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kSmear = 1; // points
 
-std::optional<CGRect> boundsOf(const Operation& operation) {
+std::optional<Rect> boundsOf(const Operation& operation) {
     return std::visit([](const auto& one) { return one.bounds(); }, operation);
 }
 
@@ -31,9 +31,9 @@ bool addDifference(const Operation& was, const Operation& is, DamagedAreas& area
 
 } // namespace
 
-void DamagedAreas::add(const CGRect& area) {
+void DamagedAreas::add(const Rect& area) {
     constexpr std::size_t kMost = 8; // then everything becomes one
-    CGRect whole = NSInsetRect(area, -kSmear, -kSmear);
+    Rect whole = NSInsetRect(area, -kSmear, -kSmear);
     for (std::size_t i = 0; i < areas_.size();) {
         if (areas_.size() < kMost && NSIsEmptyRect(NSIntersectionRect(areas_[i], whole))) {
             ++i;
@@ -52,12 +52,12 @@ bool OperationList::nests(const Operation& operation) {
            std::holds_alternative<Clip>(operation);
 }
 
-bool OperationList::touches(const Operation& operation, const CGRect& part) const {
+bool OperationList::touches(const Operation& operation, const Rect& part) const {
     const auto painted = nests_ ? std::nullopt : boundsOf(operation);
     return !painted || !NSIsEmptyRect(NSIntersectionRect(NSInsetRect(*painted, -kSmear, -kSmear), part));
 }
 
-bool OperationList::touches(const CGRect& part) const {
+bool OperationList::touches(const Rect& part) const {
     return std::ranges::any_of(operations_, [&](const auto& operation) { return touches(operation, part); });
 }
 

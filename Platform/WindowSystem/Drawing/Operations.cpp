@@ -13,24 +13,24 @@ bool areFinite(const std::array<double, count>& numbers) {
     return std::ranges::all_of(numbers, [](double number) { return std::isfinite(number); });
 }
 
-std::optional<CGRect> finite(const CGRect& r) {
+std::optional<Rect> finite(const Rect& r) {
     if (!areFinite<4>({NSMinX(r), NSMinY(r), NSMaxX(r), NSMaxY(r)})) return std::nullopt;
     return r;
 }
 
 // The same rectangle, its size not negative.
-CGRect upright(const CGRect& r) {
+Rect upright(const Rect& r) {
     return {{std::min(r.origin.x, NSMaxX(r)), std::min(r.origin.y, NSMaxY(r))},
             {std::abs(r.size.width), std::abs(r.size.height)}};
 }
 
 // A curve stays between its points.
-std::optional<CGRect> around(const std::vector<PathElement>& elements) {
+std::optional<Rect> around(const std::vector<PathElement>& elements) {
     bool any = false;
-    CGPoint least, most;
+    Point least, most;
     for (const auto& element : elements)
         for (std::size_t i = 0; i < pointCount(element.kind); ++i) {
-            const CGPoint& point = element.points[i];
+            const Point& point = element.points[i];
             if (!areFinite<2>({point.x, point.y})) return std::nullopt;
             if (!std::exchange(any, true)) least = most = point;
             least = {std::min(least.x, point.x), std::min(least.y, point.y)};
@@ -41,14 +41,14 @@ std::optional<CGRect> around(const std::vector<PathElement>& elements) {
 
 // Whether the corners of a rounded rectangle stay within it.
 bool cornersFit(const Path& path) {
-    const CGRect r = upright(path.bounds);
+    const Rect r = upright(path.bounds);
     return path.xRadius >= 0 && path.xRadius <= r.size.width / 2 && path.yRadius >= 0 &&
            path.yRadius <= r.size.height / 2;
 }
 
-std::optional<CGRect> around(const Path& path) {
+std::optional<Rect> around(const Path& path) {
     if (path.shape == PathShape::elements) return around(path.elements);
-    const CGRect r = upright(path.bounds);
+    const Rect r = upright(path.bounds);
     if (path.shape != PathShape::roundedRectangle || cornersFit(path)) return finite(r);
     return finite(NSInsetRect(r, -std::abs(path.xRadius), -std::abs(path.yRadius)));
 }
@@ -57,7 +57,7 @@ std::optional<CGRect> around(const Path& path) {
 double reach(const Stroke& stroke) {
     constexpr double kMostOfAMitre = 10; // widths
     const double width = std::max(std::abs(stroke.style.lineWidth), 1.0);
-    const CGRect r = upright(stroke.path.bounds);
+    const Rect r = upright(stroke.path.bounds);
     // A simple shape has no sharp corner, unless it is thinner than the line.
     const bool blunt = stroke.path.shape != PathShape::elements &&
                        std::min(r.size.width, r.size.height) >= width &&
@@ -75,11 +75,11 @@ bool isBar(const Path& path) {
 
 } // namespace
 
-std::optional<CGRect> Fill::bounds() const { return around(path); }
+std::optional<Rect> Fill::bounds() const { return around(path); }
 
 bool Fill::addDifference(const Fill& next, DamagedAreas& areas) const {
     if (!isBar(path) || !isBar(next.path) || !bounds() || !next.bounds()) return false;
-    const CGRect &r = path.bounds, &s = next.path.bounds;
+    const Rect &r = path.bounds, &s = next.path.bounds;
     Fill asLong = next;
     asLong.path.bounds.origin.x = r.origin.x;
     asLong.path.bounds.size.width = r.size.width;
@@ -94,13 +94,13 @@ bool Fill::addDifference(const Fill& next, DamagedAreas& areas) const {
     return true;
 }
 
-std::optional<CGRect> Stroke::bounds() const {
+std::optional<Rect> Stroke::bounds() const {
     const auto outline = around(path);
     if (!outline || !std::isfinite(style.lineWidth)) return std::nullopt;
     const double distance = reach(*this);
     return finite(NSInsetRect(*outline, -distance, -distance));
 }
 
-std::optional<CGRect> Image::bounds() const { return finite(upright(destination)); }
+std::optional<Rect> Image::bounds() const { return finite(upright(destination)); }
 
 } // namespace zr::port

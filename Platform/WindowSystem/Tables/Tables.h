@@ -20,7 +20,7 @@ public:
     virtual ~TableClient() = default;
     virtual std::string peerText(std::size_t row, std::size_t column) = 0; // of a cell that is to be shown
     // What is seen of the rows: from the upper left corner of the first one.
-    virtual void peerScrolled(const CGRect& visible) = 0;
+    virtual void peerScrolled(const Rect& visible) = 0;
 };
 
 // For places before there is a real table.

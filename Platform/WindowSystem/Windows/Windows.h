@@ -23,7 +23,7 @@ public:
     virtual ~ViewClient() = default;
     // Add to the list, in the view's own coordinates. `dirty` is y-down, within the view. Comes only after
     // invalidate(), and when the view is first seen or has another size: what was drawn is kept by the adaptor.
-    virtual void peerDraw(OperationList& list, const CGRect& dirty) = 0;
+    virtual void peerDraw(OperationList& list, const Rect& dirty) = 0;
     // Whether y runs upwards in the coordinates of this view.
     virtual bool peerDrawsUpwards() const = 0;
     // Whether a press on the window system's own control gives it the keyboard.
@@ -41,8 +41,7 @@ public:
 class ViewPeer {
 public:
     virtual ~ViewPeer() = default;
-    virtual void
-    setFrame(const CGRect& frameInParent) = 0; // exact; the adaptor rounds where its widgets need it
+    virtual void setFrame(const Rect& frameInParent) = 0; // exact; the adaptor rounds where its widgets need it
     virtual void setHidden(bool hidden) = 0;
     virtual void raise() = 0;      // in front of its siblings
     virtual void invalidate() = 0; // the whole view is drawn again at the end of the current event
@@ -53,7 +52,7 @@ public:
 struct ToolbarItem {
     std::string label;
     ImageRepresentations image; // null for none
-    CGSize imageSize;
+    Size imageSize;
     enum class Kind { button, space, flexibleSpace } kind = Kind::button;
 };
 
@@ -94,7 +93,7 @@ public:
     // Location: from the top left of the content. Answers whether the responder chain took the event; what it
     // did not take belongs to whoever hosts the content.
     virtual bool peerEvent(const InputEvent& event) = 0;
-    virtual void peerContentResized(CGSize size) = 0;
+    virtual void peerContentResized(Size size) = 0;
     virtual void peerUpdate() = 0; // what scheduleUpdate asked for; comes before the next drawing
     virtual bool peerShouldClose() = 0;
     virtual void peerClosed() = 0; // by the user or by close()
@@ -128,14 +127,14 @@ public:
     virtual void hide() = 0;
     virtual void close() = 0; // without asking the client; a host may decline
     virtual void setTitle(const std::string& title) = 0;
-    virtual CGSize setContentSize(CGSize size) = 0; // answers what it became
-    virtual void setContentLimits(CGSize minimum, CGSize maximum) = 0;
-    virtual void scheduleUpdate() = 0;                 // asks for one peerUpdate
-    virtual CGPoint contentOriginOnScreen() const = 0; // from the top left of the primary screen
+    virtual Size setContentSize(Size size) = 0; // answers what it became
+    virtual void setContentLimits(Size minimum, Size maximum) = 0;
+    virtual void scheduleUpdate() = 0;               // asks for one peerUpdate
+    virtual Point contentOriginOnScreen() const = 0; // from the top left of the primary screen
     // Of the whole window, with title bar, menu bar and toolbar; from the top left of the primary screen. Not
     // every window system lets programs place windows, or tells where they are.
-    virtual CGPoint frameTopLeft() const = 0;
-    virtual void setFrameTopLeft(CGPoint topLeft) = 0;
+    virtual Point frameTopLeft() const = 0;
+    virtual void setFrameTopLeft(Point topLeft) = 0;
     virtual double topInset() const = 0;     // from the frame's top to the content's, as far as it is known
     virtual WindowBars* bars() = 0;          // null for a window whose bars are its host's
     virtual double backingScale() const = 0; // device pixels for a point
@@ -154,8 +153,8 @@ public:
 
 // Points, from the top left of the primary screen.
 struct Screen {
-    CGRect frame;
-    CGRect visibleFrame; // without the desktop's own bars
+    Rect frame;
+    Rect visibleFrame; // without the desktop's own bars
 };
 
 // Heights of what may stand above a window's content.
@@ -207,7 +206,7 @@ public:
 class PeerFactory {
 public:
     virtual ~PeerFactory() = default;
-    virtual std::unique_ptr<WindowPeer> makeWindow(WindowClient& client, CGSize contentSize,
+    virtual std::unique_ptr<WindowPeer> makeWindow(WindowClient& client, Size contentSize,
                                                    WindowStyle style) = 0;
     virtual std::unique_ptr<ViewPeer> makeContentView(WindowPeer& window, ViewClient& client) = 0;
     virtual std::unique_ptr<ViewPeer> makeView(ViewPeer& parent, ViewClient& client) = 0;

@@ -83,6 +83,24 @@ TEST_F(Tables, ShowTheTextsOfTheirDataSource) {
     EXPECT_EQ(table_->numberOfRows(), 3);
 }
 
+TEST_F(Tables, TheirHeadersKnowTheirRealTable) {
+    open(3, {"a"});
+    EXPECT_THAT(user_->traits("header"), ElementsAre("of a table"));
+    const auto header = table_->headerView();
+    const auto other = make<NSTableHeaderView>(NSRect{});
+    other->setIdentifier("other");
+    window_->contentView()->addSubview(other);
+    EXPECT_THAT(user_->traits("other"), IsEmpty());
+    window_->contentView()->addSubview(header); // so that it stays when the table has another one
+    table_->setHeaderView(other);
+    EXPECT_THAT(user_->traits("header"), IsEmpty());
+    EXPECT_THAT(user_->traits("other"), ElementsAre("of a table"));
+    const auto scroll = retained(table_->enclosingScrollView());
+    window_->contentView()->addSubview(other);
+    scroll->removeFromSuperview();
+    EXPECT_THAT(user_->traits("other"), IsEmpty()) << "the real table has gone";
+}
+
 TEST_F(Tables, AskOnlyForWhatIsSeen) {
     open(10'000);
     EXPECT_EQ(rows_->asked, 0) << "before anybody looks";
