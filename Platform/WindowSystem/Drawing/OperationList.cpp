@@ -47,11 +47,6 @@ void DamagedAreas::add(const CGRect& area) {
     areas_.push_back(whole);
 }
 
-bool OperationList::nests(const Operation& operation) {
-    return std::holds_alternative<Save>(operation) || std::holds_alternative<Restore>(operation) ||
-           std::holds_alternative<Clip>(operation);
-}
-
 bool OperationList::touches(const Operation& operation, const CGRect& part) const {
     const auto painted = nests_ ? std::nullopt : boundsOf(operation);
     return !painted || !NSIsEmptyRect(NSIntersectionRect(NSInsetRect(*painted, -kSmear, -kSmear), part));

@@ -49,7 +49,7 @@ port::Image image(const CGRect& destination) {
 
 port::OperationList list(const std::vector<port::Operation>& operations) {
     port::OperationList result;
-    for (const auto& operation : operations) result.add(operation);
+    for (const auto& operation : operations) std::visit([&](const auto& one) { result.add(one); }, operation);
     return result;
 }
 
