@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -64,24 +65,32 @@ class DamagedAreas;
 // with each operation.
 //
 // bounds() is where an operation paints; snapping to pixels and smooth edges reach a little further. Nothing
-// where only the window system knows that, where the operation decides what the next ones paint, and where
-// numbers are not finite. addDifference(), where an operation has it, adds the areas outside of which it and
-// the next one look the same, or answers false when it knows nothing better than both their bounds.
+// where only the window system knows that, where the operation paints nothing itself, and where numbers are not
+// finite. addDifference(), where an operation has it, adds the areas outside of which it and the next one look
+// the same, or answers false when it knows nothing better than both their bounds. kNests, where it is there,
+// says that what others paint depends on the operation; paintsInParts() that a part of it, painted alone, looks
+// as it does in the whole, to the last bit of each pixel.
 
 // Remembers the clip.
 struct Save {
+    static constexpr bool kNests = true;
+
     std::optional<Rect> bounds() const { return std::nullopt; }
     bool operator==(const Save&) const = default;
 };
 
 // Brings back the clip last remembered.
 struct Restore {
+    static constexpr bool kNests = true;
+
     std::optional<Rect> bounds() const { return std::nullopt; }
     bool operator==(const Restore&) const = default;
 };
 
 // What follows is painted only within the path, and within the clip there was.
 struct Clip {
+    static constexpr bool kNests = true;
+
     Path path;
 
     std::optional<Rect> bounds() const { return std::nullopt; }
@@ -95,6 +104,7 @@ struct Fill {
 
     std::optional<Rect> bounds() const;
     bool addDifference(const Fill& next, DamagedAreas& areas) const; // of a bar that grew, its ends
+    bool paintsInParts() const { return path.shape != PathShape::elements; }
     bool operator==(const Fill&) const = default;
 };
 
@@ -109,6 +119,7 @@ struct Stroke {
     StrokeStyle style;
 
     std::optional<Rect> bounds() const;
+    bool paintsInParts() const { return false; }
     bool operator==(const Stroke&) const = default;
 };
 
@@ -157,9 +168,11 @@ private:
 // with the next one, so that only what changed is painted. Assigning a list re-uses the memory of the old one.
 class OperationList {
 public:
-    void add(Operation operation) {
-        nests_ = nests_ || nests(operation);
-        operations_.push_back(std::move(operation));
+    template <class T>
+    requires(!std::is_same_v<T, Operation>) // which does not say at once whether it nests
+        void add(T operation) {
+        if constexpr (requires { T::kNests; }) nests_ = true;
+        operations_.emplace_back(std::move(operation));
     }
     // Keeps its memory.
     void clear() {
@@ -177,8 +190,6 @@ public:
     bool compare(const OperationList& next, DamagedAreas& areas) const;
 
 private:
-    static bool nests(const Operation& operation);
-
     std::vector<Operation> operations_;
     bool nests_ = false; // clips, or remembers a clip
 };

@@ -12,6 +12,19 @@ std::optional<Rect> boundsOf(const Operation& operation) {
     return std::visit([](const auto& one) { return one.bounds(); }, operation);
 }
 
+// Outside of which nothing changes when the operation comes or goes.
+std::optional<Rect> areaOf(const Operation& operation) {
+    const bool inParts = std::visit(
+        [](const auto& one) {
+            if constexpr (requires { one.paintsInParts(); })
+                return one.paintsInParts();
+            else
+                return true;
+        },
+        operation);
+    return inParts ? boundsOf(operation) : std::nullopt;
+}
+
 // Where the operation was and where the next one is, unless it knows better.
 bool addDifference(const Operation& was, const Operation& is, DamagedAreas& areas) {
     const bool added = std::visit(
@@ -22,7 +35,7 @@ bool addDifference(const Operation& was, const Operation& is, DamagedAreas& area
         },
         was);
     if (added) return true;
-    const auto before = boundsOf(was), after = boundsOf(is);
+    const auto before = areaOf(was), after = areaOf(is);
     if (!before || !after) return false;
     areas.add(*before);
     areas.add(*after);
@@ -45,11 +58,6 @@ void DamagedAreas::add(const Rect& area) {
         i = 0;
     }
     areas_.push_back(whole);
-}
-
-bool OperationList::nests(const Operation& operation) {
-    return std::holds_alternative<Save>(operation) || std::holds_alternative<Restore>(operation) ||
-           std::holds_alternative<Clip>(operation);
 }
 
 bool OperationList::touches(const Operation& operation, const Rect& part) const {
@@ -76,7 +84,7 @@ bool OperationList::compare(const OperationList& next, DamagedAreas& areas) cons
     }
     const auto addAll = [&](const std::vector<Operation>& operations, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i) {
-            const auto painted = boundsOf(operations[i]);
+            const auto painted = areaOf(operations[i]);
             if (!painted) return false;
             areas.add(*painted);
         }

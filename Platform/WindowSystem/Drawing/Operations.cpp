@@ -78,8 +78,8 @@ bool isBar(const Path& path) {
 std::optional<Rect> Fill::bounds() const { return around(path); }
 
 bool Fill::addDifference(const Fill& next, DamagedAreas& areas) const {
-    if (!isBar(path) || !isBar(next.path) || !bounds() || !next.bounds()) return false;
     const Rect &r = path.bounds, &s = next.path.bounds;
+    if (!isBar(path) || !isBar(next.path) || !finite(r) || !finite(s)) return false;
     Fill asLong = next;
     asLong.path.bounds.origin.x = r.origin.x;
     asLong.path.bounds.size.width = r.size.width;
