@@ -79,6 +79,7 @@ TEST_F(ConformanceBars, SoIsOneWithAToolbar) {
 }
 
 TEST_F(ConformanceBars, AMenuIsAskedForWhenItIsOpenedAndNotBefore) {
+    window_->makeFirstResponder(view_.get());
     window_->makeKeyAndOrderFront(nullptr);
     adaptor_->settle();
     EXPECT_THAT(adaptor_->openMenu(*window_, ""), ElementsAre("Edit"));

@@ -155,7 +155,6 @@ TEST(OperationDifferences, AreWhereAnOperationWasAndWhereItIs) {
     const std::vector<std::pair<port::Operation, port::Operation>> moves = {
         {fill(oval(kBox)), fill(oval(kFar))},
         {fill(rectangle(kBox)), fill(rectangle(kFar))},
-        {stroke(rectangle(NSInsetRect(kBox, 1, 1)), 2), stroke(rectangle(NSInsetRect(kFar, 1, 1)), 2)},
         {image(kBox), image(kFar)},
         {fill(oval(kBox)), image(kFar)}};
     for (const auto& [was, is] : moves) {
