@@ -105,6 +105,44 @@ protected:
     std::shared_ptr<NSTextField> first_, second_;
 };
 
+TEST_F(QtTextFields, TheKeyboardIsStillWithTheFieldThatIsAsked) {
+    click(*first_);
+    const auto button = NSButton::buttonWithTitle_target_action("OK", nullptr, "");
+    button->setFrame(NSMakeRect(160, 70, 100, 30));
+    button->setIdentifier("button");
+    content_->addSubview(button);
+    settle();
+    std::vector<std::string> focusedWhileAsked;
+    editing_->onEnd = [&] {
+        focusedWhileAsked.push_back(QApplication::focusWidget()->objectName().toStdString());
+    };
+    editing_->ends = false;
+    click(*second_);
+    click(*button);
+    EXPECT_THAT(focusedWhileAsked, ElementsAre("first", "first"));
+    EXPECT_TRUE(line("first")->hasFocus());
+    editing_->ends = true;
+    click(*button);
+    EXPECT_THAT(focusedWhileAsked, ElementsAre("first", "first", "first"));
+    EXPECT_TRUE(widget("button")->hasFocus());
+}
+
+TEST_F(QtTextFields, WhatTheHostGivesTheKeyboardIsAskedLateAndGivesItBack) {
+    click(*first_);
+    editing_->taken();
+    editing_->ends = false;
+    line("second")->setFocus();
+    settle();
+    EXPECT_THAT(editing_->taken(), ElementsAre("first may end 'one'"));
+    EXPECT_TRUE(line("first")->hasFocus());
+    EXPECT_EQ(window_->firstResponder(), first_.get());
+    editing_->ends = true;
+    line("second")->setFocus();
+    settle();
+    EXPECT_EQ(window_->firstResponder(), second_.get());
+    EXPECT_TRUE(line("second")->hasFocus());
+}
+
 TEST_F(QtTextFields, TheEditingLifeFromTheFirstKeyToReturn) {
     click(*first_);
     EXPECT_EQ(window_->firstResponder(), first_.get());
