@@ -20,11 +20,11 @@ public:
     }
 };
 
-class Taker : public Probe {
+class Taker : public NSView {
 public:
-    ZR_CLASS(Taker, Probe)
+    ZR_CLASS(Taker, NSView)
+    bool acceptsFirstResponder() const override { return true; } // and wants no key
     void act(NSObject*) { ++count; }
-    void keyDown(const NSEvent& event) override { NSView::keyDown(event); } // it wants none
     int count = 0;
 };
 
@@ -47,7 +47,6 @@ protected:
                                NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable,
                            NSBackingStoreBuffered, false);
         window_->setTitle("window under test");
-        view_->acceptsFocus = true;
         window_->setContentView(view_);
     }
 

@@ -288,24 +288,29 @@ void NSApplication::endTracking() {
     deliversLeftOver_ = false;
 }
 
+// Begins and ends with the window system.
+struct ApplicationLife {
+    static port::ApplicationClient& begin(port::WindowSystem& windowSystem) {
+        if (installedSystem()) throw std::logic_error("a window system is installed already");
+        installDrawing(&windowSystem);
+        setInstalledSystem(std::make_unique<InstalledSystem>(InstalledSystem{windowSystem}));
+        auto& system = *installedSystem();
+        system.application = make<NSApplication>();
+        system.router = system.application->link_.get();
+        return *system.application->link_;
+    }
+    static void end() {
+        if (!installedSystem()) return;
+        installedSystem()->application->link_->willEnd();
+        setInstalledSystem(nullptr);
+        installDrawing(nullptr);
+    }
+};
+
 namespace port {
 
-ApplicationClient& install(WindowSystem& windowSystem) {
-    if (installedSystem()) throw std::logic_error("a window system is installed already");
-    installDrawing(&windowSystem);
-    setInstalledSystem(std::make_unique<InstalledSystem>(InstalledSystem{windowSystem}));
-    auto& system = *installedSystem();
-    system.application = make<NSApplication>();
-    system.router = system.application->link_.get();
-    return *system.application->link_;
-}
-
-void uninstall() {
-    if (!installedSystem()) return;
-    installedSystem()->application->link_->willEnd();
-    setInstalledSystem(nullptr);
-    installDrawing(nullptr);
-}
+ApplicationClient& install(WindowSystem& windowSystem) { return ApplicationLife::begin(windowSystem); }
+void uninstall() { ApplicationLife::end(); }
 
 } // namespace port
 

@@ -16,11 +16,7 @@ class NSMenu;
 class NSWindow;
 
 namespace port {
-class ApplicationClient;
 class TrackingLoop;
-class WindowSystem;
-ApplicationClient& install(WindowSystem& windowSystem);
-void uninstall();
 } // namespace port
 
 enum NSModalResponse : int { NSModalResponseStop = -1000, NSModalResponseAbort = -1001 };
@@ -96,8 +92,7 @@ public:
 private:
     friend class NSWindow;
     friend struct PanelSupport;
-    friend port::ApplicationClient& port::install(port::WindowSystem&);
-    friend void port::uninstall();
+    friend struct ApplicationLife;
     struct Link;
     void windowWasShown(NSWindow& window);
     void windowWasClosed(NSWindow& window);

@@ -5,7 +5,8 @@
 namespace zr::qt {
 
 ScrollingTextWidget::ScrollingTextWidget(port::ViewPeer& superview, port::ViewClient& viewClient)
-    : WidgetOf(superview, viewClient) {
+    : QPlainTextEdit(dynamic_cast<HasWidget&>(superview).anyWidget())
+    , ViewsWidget(dynamic_cast<HasWidget&>(superview).link, viewClient) {
     setReadOnly(true);
     setFrameShape(QFrame::NoFrame);
     document()->setDocumentMargin(0);

@@ -9,14 +9,10 @@ namespace zr::qt {
 
 // Text on many lines, with a bar to scroll it. It has the keyboard for that alone, and is nobody's first
 // responder.
-class ScrollingTextWidget final : public WidgetOf<QPlainTextEdit> {
+class ScrollingTextWidget final : public QPlainTextEdit, public ViewsWidget {
 public:
     ScrollingTextWidget(port::ViewPeer& superview, port::ViewClient& viewClient);
-
-protected:
-    bool focusNextPrevChild(bool next) override { return QPlainTextEdit::focusNextPrevChild(next); }
-    void focusInEvent(QFocusEvent* event) override { QPlainTextEdit::focusInEvent(event); }
-    void focusOutEvent(QFocusEvent* event) override { QPlainTextEdit::focusOutEvent(event); }
+    ~ScrollingTextWidget() override { tellGone(); }
 };
 
 class ScrollingTextPeer final : public PeerOf<port::ScrollingTextPeer, ScrollingTextWidget> {

@@ -71,7 +71,7 @@ void TextFieldWidget::keyPressEvent(QKeyEvent* event) {
 
 // Qt asks this, too, when it disables the widget.
 bool TextFieldWidget::focusNextPrevChild(bool next) {
-    if (!link->ordersItsTabs) return QLineEdit::focusNextPrevChild(next);
+    if (!link->ordersItsTabs) return WidgetOf::focusNextPrevChild(next);
     if (!isEnabled()) return false;
     if (client) field_.peerTab(!next);
     return true;

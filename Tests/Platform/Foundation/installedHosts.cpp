@@ -148,6 +148,7 @@ TEST_F(InstalledHosts, MayBeReplacedWhileOtherThreadsUseThem) {
     std::atomic<bool> isOver = false;
     std::atomic<int> rounds = 0, wrong = 0;
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i)
         threads.emplace_back([&] {
             for (; !isOver; ++rounds) {

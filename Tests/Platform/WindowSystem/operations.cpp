@@ -298,8 +298,8 @@ TEST(Shared, CopiesShareAndEqualValuesAreEqual) {
     EXPECT_NE(&*other, &*one);
     EXPECT_EQ(one, other);
     EXPECT_NE(one, port::Shared<std::string>("b"));
-    const auto moved = std::move(copy);
-    EXPECT_EQ(moved, copy); // NOLINT(bugprone-use-after-move): a value is always there
+    const auto moved = std::move(copy); // NOLINT(performance-move-const-arg): moving copies
+    EXPECT_EQ(moved, copy);             // NOLINT(bugprone-use-after-move): a value is always there
 }
 
 // Lines
