@@ -9,11 +9,13 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <QWheelEvent>
 #include <QWindow>
 
 #include <stdexcept>
+#include <utility>
 
 namespace zr::conformance {
 
@@ -154,10 +156,15 @@ private:
     }
     void schedule() {
         QTimer::singleShot(1, qApp, [this] {
+            // Not while a slow step sends its events, but only in what it waits for.
+            const int level = QThread::currentThread()->loopLevel();
+            if (level == levelOfStep_) return schedule();
             const auto step = steps_.front();
             steps_.erase(steps_.begin());
             if (!steps_.empty()) schedule();
+            const int outer = std::exchange(levelOfStep_, level);
             step();
+            levelOfStep_ = outer;
         });
     }
 
@@ -166,6 +173,7 @@ private:
     zr::qt::Platform platform_{{.mainBundle = {}, .preferredLanguages = {{"en"}}}};
     std::unique_ptr<QDialog> dialog_;
     std::vector<std::function<void()>> steps_;
+    int levelOfStep_ = -1; // how many event loops there were when the step began that is under way
 };
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <QWindow>
 #include <gmock/gmock.h>
@@ -103,14 +104,20 @@ protected:
 private:
     void scheduleStep() {
         QTimer::singleShot(1, qApp, [this] {
+            // Not while a slow step sends its events, but only in what it waits for.
+            const int level = QThread::currentThread()->loopLevel();
+            if (level == levelOfStep_) return scheduleStep();
             const auto step = steps_.front();
             steps_.erase(steps_.begin());
             if (!steps_.empty()) scheduleStep();
+            const int outer = std::exchange(levelOfStep_, level);
             step();
+            levelOfStep_ = outer;
         });
     }
 
     std::vector<std::function<void()>> steps_;
+    int levelOfStep_ = -1; // how many event loops there were when the step began that is under way
 };
 
 // Counts its presses.
