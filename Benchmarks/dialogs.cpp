@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the progress sheet, alerts and interface files cost beside Qt's own dialogs; scripts/bench makes the
 // table.
 

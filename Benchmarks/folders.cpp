@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What trusted folders, user defaults and the preferences window cost beside the bare calls of the system and
 // Qt's own widgets; scripts/bench makes the table.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the sliders cost beside Qt's own, in a shown window. Run once for each QT_SCALE_FACTOR; scripts/bench
 // makes the table.
 

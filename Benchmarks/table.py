@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Makes one table of what the benchmarks measured: ours beside a peer, in one run.
 
     table.py FOLDER_OF_PROGRAMS JSON_FILE

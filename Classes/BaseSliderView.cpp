@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSBezierPath.h>
 #include <AppKit/NSColor.h>
 #include <ZRUIKit/BaseSliderView.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ComponentClasses.h"
 
 #include <ZRUIKit/BaseSliderView.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ComponentClasses.h"
 
 #include <AppKit/ControlClasses.h>

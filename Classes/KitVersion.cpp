@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <ZRUIKit/KitVersion.h>
 
 const double ZRUIKitVersionNumber = 1.0;

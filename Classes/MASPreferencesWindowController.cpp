@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSImage.h>
 #include <AppKit/NSView.h>
 #include <Foundation/NSBundle.h>

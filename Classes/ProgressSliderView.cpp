@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSWindow.h>
 #include <ZRUIKit/ProgressSliderView.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSStringDrawing.h>
 #include <Foundation/NSString.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <ZRUIKit/SliderSelectionItem.h>
 
 namespace zr {

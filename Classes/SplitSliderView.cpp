@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSImage.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/SplitSliderView.h>

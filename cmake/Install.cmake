@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # find_package(ZRUIKit COMPONENTS Qt Headless) gives ZRUIKit::Kit, ZRUIKit::Qt and ZRUIKit::Headless.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # A room is one row of the table in Documentation/architecture.md: a folder, a target and an include root of its own.
 # A target sees another room's headers only when it links that room, so a forbidden include does not compile.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Remembers what the linters have found clean, so that it is looked at again only when it, a header it includes, or how it is
 looked at has changed. Where CI=true nothing is remembered. What it does not see is a system's header that is new and comes
 before another of its name."""

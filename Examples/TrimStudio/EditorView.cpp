@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "EditorView.h"
 
 #include <AppKit/NSFont.h>

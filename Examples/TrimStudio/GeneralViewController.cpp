@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "GeneralViewController.h"
 #include "SaveFolder.h"
 

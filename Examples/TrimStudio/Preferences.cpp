@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Description.h"
 #include "GeneralViewController.h"
 #include "Preferences.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SaveFolder.h"
 #include "SavePlace.h"
 

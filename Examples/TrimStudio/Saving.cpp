@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Saving.h"
 
 #include <Foundation/NSString.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SavePlace.h"
 #include "TimeText.h"
 #include "TrimWindow.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // TrimStudio: trims recordings. TrimStudio [--describe] [--appearance light|dark] FILE...
 
 #include "Preferences.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <FoundationBackends/Host.h>
 #include <ZRUIKitHeadless/ControlPeers.h>
 #include <ZRUIKitHeadless/Headless.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <HostLibraries/GlobalFun.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtWindowSystem.h"
 
 #include <ZRUIKitQt/Appearance.h>

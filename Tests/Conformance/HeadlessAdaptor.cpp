@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Adaptor.h"
 
 #include <ZRUIKitHeadless/Headless.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Bookmarks from one run of a program to the next, over real file systems: what moves, is replaced, is unmounted,
 is out of bounds, or does not answer. FILES_PROBE is the program that makes and resolves them."""
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Installs the kit, builds the hosts that the README shows against it, runs a host made of Qt's own widgets, and looks at
 the kit's library.
 Arguments: the build folder, the source folder."""

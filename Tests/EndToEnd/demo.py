@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Shows TrimStudio where there is no display. Arguments: the program, a folder for pictures, files."""
 
 import os

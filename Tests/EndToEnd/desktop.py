@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A private X server with a window manager, Wayland inside it, a real pointer, and TrimStudio driven from outside."""
 
 import contextlib

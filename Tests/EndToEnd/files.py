@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """User defaults under processes that are killed, race each other, and meet disks that refuse, read by a reader of
 property lists that is not ours; and what a process sees that may not do everything. FILES_PROBE is the program."""
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uses files as its arguments say, for tests that stop it, starve it, race it and take its rights away. The
 // first argument is the file of its user defaults.
 //

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Makes the pictures of the documentation. Arguments: the program, the folder for them."""
 
 import os

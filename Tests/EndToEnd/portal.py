@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The real portals of the desktop, on a session bus, a runtime folder and a home of their own: documents that were
 handed to a program, from one run to the next, and the portal's dialog, shown for a program that is inside of a sandbox.
 PORTAL_PROBE is the program that asks them. What cannot be had on a machine fails."""

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that asks the portals of its session bus when it is inside of a sandbox, or takes itself for such a
 // one: with the option --sandboxed, which stands in front of the verb.
 //

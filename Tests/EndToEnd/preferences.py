@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """TrimStudio's menu and preferences, used by a real pointer and a real keyboard; what is kept is read by Python's plistlib."""
 
 import pathlib

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tells how Qt's own file dialog names one of its parts in a program of the kit. Arguments: the folder of the
 // application's resources, a language.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """GNUstep's NSNib opens every interface file of the kit, and one with a table, and finds every outlet and action in it."""
 
 import collections

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Every language of the kit and of TrimStudio has the same texts, with the same places for arguments in the same order."""
 
 import pathlib

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """TrimStudio in a real window, driven by a real pointer; what it writes is read by ffprobe. Argument: the program."""
 
 import contextlib

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Folders that TrimStudio is trusted with: authorised in real dialogs, remembered by the next run, restored behind an
 overlay, listed, removed, lost. What is kept is read by Python's plistlib."""
 

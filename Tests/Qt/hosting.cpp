@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "DragRecorder.h"
 #include "QtTest.h"
 

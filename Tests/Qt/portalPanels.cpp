@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtTest.h"
 #include "Support/TemporaryFolder.h"
 

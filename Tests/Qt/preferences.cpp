@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtTest.h"
 
 #include <AppKit/NSImage.h>

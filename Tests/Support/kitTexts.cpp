@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints texts of the kit, in German, for an application whose bundle is the argument: for tests that need a
 // kit of its own.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Muxer.h"
 
 #include <algorithm>

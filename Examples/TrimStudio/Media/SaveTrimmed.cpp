@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "EditLists.h"
 #include "KeyFrames.h"
 #include "Muxer.h"

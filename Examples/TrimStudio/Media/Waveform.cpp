@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Av.h"
 #include "Waveform.h"
 

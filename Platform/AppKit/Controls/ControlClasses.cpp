@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ControlClasses.h"
 
 #include <AppKit/NSButton.h>

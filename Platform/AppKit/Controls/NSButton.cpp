@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSButton.h>
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSWindow.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSControl.h>
 #include <Foundation/NSCoder.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSProgressIndicator.h>
 #include <Foundation/NSCoder.h>
 #include <WindowSystem/Controls.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSWindow.h>

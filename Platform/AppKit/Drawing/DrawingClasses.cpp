@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "DrawingClasses.h"
 
 #include <AppKit/NSImage.h>

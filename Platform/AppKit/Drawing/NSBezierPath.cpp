@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSBezierPath.h>
 #include <AppKit/NSGraphicsContext.h>
 #include <WindowSystem/Drawing.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSColor.h>
 #include <AppKit/NSGraphicsContext.h>
 

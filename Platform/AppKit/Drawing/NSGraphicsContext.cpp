@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSGraphicsContext.h>
 #include <WindowSystem/Drawing.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "DrawingSystem.h"
 
 #include <AppKit/NSGraphicsContext.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "InterfaceFileClasses.h"
 
 #include <AppKit/NSNib.h>

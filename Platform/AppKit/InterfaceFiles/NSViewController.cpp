@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSNib.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSViewController.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSNib.h>
 #include <AppKit/NSWindow.h>
 #include <AppKit/NSWindowController.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "NibArchive.h"
 
 #include <AppKit/NSView.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "NibFile.h"
 
 #include <AppKit/NSScrollView.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSAlert.h>
 #include <AppKit/NSBezierPath.h>
 #include <AppKit/NSButton.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSOpenPanel.h>
 #include <AppKit/NSWindow.h>
 #include <AppKit/PanelSupport.h>

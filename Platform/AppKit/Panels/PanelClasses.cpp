@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "PanelClasses.h"
 
 #include <AppKit/NSAlert.h>

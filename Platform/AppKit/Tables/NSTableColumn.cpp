@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSTableColumn.h>
 #include <AppKit/NSTableView.h>
 #include <Foundation/NSCoder.h>

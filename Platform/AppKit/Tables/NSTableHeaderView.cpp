@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSTableHeaderView.h>
 #include <AppKit/NSTableView.h>
 #include <WindowSystem/Tables.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSScrollView.h>
 #include <AppKit/NSTableView.h>
 #include <AppKit/NSWindow.h>

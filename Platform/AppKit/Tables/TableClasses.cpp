@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TableClasses.h"
 
 #include <AppKit/NSScrollView.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "WindowClasses.h"
 
 #include <AppKit/NSApplication.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "WindowFrame.h"
 
 #include <AppKit/NSScreen.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "InstalledHost.h"
 #include "Waiting.h"
 

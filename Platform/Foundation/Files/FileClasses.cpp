@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FileClasses.h"
 
 #include <Foundation/NSBundle.h>

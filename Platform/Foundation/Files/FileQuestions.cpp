@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FileQuestions.h"
 
 #include <FoundationBackends/Waiting.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "UserLanguages.h"
 
 #include <Foundation/NSBundle.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FileQuestions.h"
 
 #include <Foundation/NSFileManager.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/Dispatch.h>
 #include <FoundationBackends/InstalledHost.h>
 

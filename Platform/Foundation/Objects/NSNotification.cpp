@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/NSNotification.h>
 #include <FoundationBackends/InstalledHost.h>
 

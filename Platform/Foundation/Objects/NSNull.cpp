@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/NSNull.h>
 
 namespace zr {

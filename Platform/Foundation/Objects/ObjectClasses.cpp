@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ObjectClasses.h"
 
 #include <Foundation/NSNull.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "BinaryPropertyList.h"
 #include "Unicode.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/NSGeometry.h>
 #include <Foundation/NSString.h>
 

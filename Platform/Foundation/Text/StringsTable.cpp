@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "StringsTable.h"
 #include "Unicode.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Button.h"
 
 #include <ZRUIKitHeadless/System.h>

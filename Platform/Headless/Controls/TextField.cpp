@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TextField.h"
 
 #include <ZRUIKitHeadless/RealWindow.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Table.h"
 
 #include <ZRUIKitHeadless/System.h>

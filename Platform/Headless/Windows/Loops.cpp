@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Loops.h"
 
 #include <utility>

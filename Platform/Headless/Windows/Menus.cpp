@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Menus.h"
 
 #include <algorithm>

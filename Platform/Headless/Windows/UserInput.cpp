@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Headless.h"
 #include "View.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "RealWindow.h"
 #include "View.h"
 

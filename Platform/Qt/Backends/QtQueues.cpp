@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtQueues.h"
 
 #include <QCoreApplication>

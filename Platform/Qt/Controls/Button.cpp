@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Button.h"
 
 namespace zr::qt {

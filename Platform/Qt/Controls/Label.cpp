@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Alignment.h"
 #include "Label.h"
 

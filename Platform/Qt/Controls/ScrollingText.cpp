@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ScrollingText.h"
 
 #include <ZRUIKitQt/QtCanvas.h>

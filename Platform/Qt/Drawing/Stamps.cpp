@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Stamps.h"
 
 #include <QPainter>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Follower.h"
 #include "ForeignView.h"
 

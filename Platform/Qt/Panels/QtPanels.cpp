@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtOpenPanel.h"
 #include "QtPanels.h"
 #include "QtPortalPanel.h"

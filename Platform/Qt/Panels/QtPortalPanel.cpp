@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtPortalPanel.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtTable.h"
 
 #include <ZRUIKitQt/QtEvents.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "InputBlock.h"
 
 #include <QAction>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtEvents.h"
 
 #include <array>

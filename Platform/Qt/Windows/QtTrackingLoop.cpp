@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "QtDueWork.h"
 #include "QtTrackingLoop.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Toolbar.h"
 
 #include <ZRUIKitQt/QtCanvas.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "WindowLink.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <HostLibraries/DDLog.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKitHeadless/Headless.h>

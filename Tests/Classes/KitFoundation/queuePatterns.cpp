@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/NSObject.h>
 #include <FoundationBackends/Host.h>
 #include <ZRUIKit/KitFoundation.h>

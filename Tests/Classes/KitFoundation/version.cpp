@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <ZRUIKit/KitVersion.h>
 
 #include <gtest/gtest.h>

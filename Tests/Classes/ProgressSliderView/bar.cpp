@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Support/FrameArchive.h"
 #include "Support/SliderTest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Support/SliderTest.h"
 
 #include <AppKit/NSApplication.h>

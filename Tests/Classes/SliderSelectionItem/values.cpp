@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <ZRUIKit/SliderSelectionItem.h>
 
 #include <gtest/gtest.h>

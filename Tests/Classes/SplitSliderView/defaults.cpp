@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SplitSliderTest.h"
 #include "Support/FrameArchive.h"
 

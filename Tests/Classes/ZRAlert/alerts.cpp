@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSButton.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSWindow.h>
 #include <ZRUIKit/ZRLoadingWndCtl.h>

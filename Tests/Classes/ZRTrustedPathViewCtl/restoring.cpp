@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TrustedFoldersTest.h"
 
 #include <Foundation/Bookmark.h>

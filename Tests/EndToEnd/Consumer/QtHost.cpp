@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program of Qt's own widgets with a slider of the kit in its layout. It drives itself, and prints what the
 // kit sees.
 

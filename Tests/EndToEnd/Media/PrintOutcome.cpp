@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints the outcome of one operation on a file:
 //   open PATH | save PATH START LENGTH [LARGEST_FILE] | waveform PATH
 // Each ends with a line that tells how much memory the process has used at most, in KiB.

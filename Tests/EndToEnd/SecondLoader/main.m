@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opens an interface file with NSNib and writes as JSON what came of it. Arguments: the file, its owner's class.
 // Exit status 1: the file could not be opened; the reason is on standard error.
 

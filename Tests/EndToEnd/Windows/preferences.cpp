@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Preferences.h"
 #include "SaveFolder.h"
 #include "WindowWithFile.h"

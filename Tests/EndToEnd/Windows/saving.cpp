@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "WindowWithFile.h"
 
 #include <AppKit/NSApplication.h>

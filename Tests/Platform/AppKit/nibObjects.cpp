@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "NibTest.h"
 
 #include <AppKit/NSApplication.h>

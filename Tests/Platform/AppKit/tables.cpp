@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Support/TableTest.h"
 #include "WindowTest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Support/RootsPowers.h"
 #include "Support/TemporaryFolder.h"
 

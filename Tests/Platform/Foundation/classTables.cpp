@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <AppKit/NSControl.h>
 #include <Foundation/ClassTable.h>
 #include <Foundation/NSCoder.h>

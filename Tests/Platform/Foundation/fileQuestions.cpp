@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Support/TemporaryFolder.h"
 
 #include <Foundation/FileQuestions.h>

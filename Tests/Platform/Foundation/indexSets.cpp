@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/NSIndexSet.h>
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the address sanitizer sees of objects; there is nothing to see without it.
 #if defined(__SANITIZE_ADDRESS__)
 #define ZR_SEES_MEMORY

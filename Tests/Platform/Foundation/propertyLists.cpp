@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Foundation/BinaryPropertyList.h>
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <WindowSystem/Drawing.h>
 #include <ZRUIKitHeadless/RecordingCanvas.h>
 
