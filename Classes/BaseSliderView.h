@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSControl.h>
+#include <Base/Compiler.h>
 #include <ZRUIKit/SliderSelectionItem.h>
 
 #include <cstdint>
@@ -39,7 +40,7 @@ public:
 //
 // Values are in whatever unit the host uses throughout; positions are points in the view's coordinates, which
 // are not flipped. Nothing is limited or checked unless it says so. Main thread only.
-class BaseSliderView : public NSControl {
+class ZR_EXPORT BaseSliderView : public NSControl {
 public:
     ZR_CLASS(BaseSliderView, NSControl)
 

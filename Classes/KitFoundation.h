@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/Dispatch.h>
 #include <HostLibraries/DDLog.h>
 
@@ -14,17 +15,17 @@ class NSBundle;
 class NSImage;
 
 // The kit's own bundle: that of its classes, never the application's. From any thread.
-NSBundle& KitBundle();
+ZR_EXPORT NSBundle& KitBundle();
 
 // A text of the kit, from its table "Localized"; the key itself where there is no translation.
-std::string KitLocalizedString(const std::string& key);
+ZR_EXPORT std::string KitLocalizedString(const std::string& key);
 
 // A text of the application, from the default table of its bundle; the key itself where there is no
 // translation.
-std::string AppLocalizedString(const std::string& key);
+ZR_EXPORT std::string AppLocalizedString(const std::string& key);
 
 // A picture from the kit's bundle; null when it is missing. Main thread only.
-std::shared_ptr<NSImage> KitImage(const std::string& name);
+ZR_EXPORT std::shared_ptr<NSImage> KitImage(const std::string& name);
 
 // The kit's compile-time log level: errors, warnings and information.
 inline constexpr int kKitLogLevel = DDLogLevelInfo;
@@ -57,11 +58,11 @@ void KitLogInfo(const LogPlace& place, std::string_view format, const Arguments&
 // Queue patterns. Blocks hold the objects they use.
 
 // Runs the block on the main queue, after what is there already.
-void OnMainQueue(dispatch_block_t block);
+ZR_EXPORT void OnMainQueue(dispatch_block_t block);
 
 // Main-thread guard: off the main thread posts the block to the main queue and answers true; the caller then
 // returns. On the main thread answers false.
-bool RepostedToMainQueue(dispatch_block_t block);
+ZR_EXPORT bool RepostedToMainQueue(dispatch_block_t block);
 
 // Runs the work on the global queue, then hands its result to `done` on the main queue. What both hold goes
 // there, too: views must not end on another thread.
@@ -76,6 +77,6 @@ void InBackground(Work work, Done done) {
 }
 
 // Runs the block on the main queue, never before the delay has passed.
-void AfterDelay(double seconds, dispatch_block_t block);
+ZR_EXPORT void AfterDelay(double seconds, dispatch_block_t block);
 
 } // namespace zr

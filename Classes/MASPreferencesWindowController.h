@@ -5,6 +5,7 @@
 #include <AppKit/NSViewController.h>
 #include <AppKit/NSWindow.h>
 #include <AppKit/NSWindowController.h>
+#include <Base/Compiler.h>
 
 #include <cstdint>
 #include <map>
@@ -39,9 +40,9 @@ public:
 // The preferences window: a toolbar with an item for each pane, of which one is shown. The window grows and
 // shrinks at its lower edge to fit the pane; each pane's size, the pane shown last and the window's place are
 // kept in the user defaults. The window comes from the interface file "MASPreferencesWindow". Main thread only.
-class MASPreferencesWindowController : public NSWindowController,
-                                       public NSToolbarDelegate,
-                                       public NSWindowDelegate {
+class ZR_EXPORT MASPreferencesWindowController : public NSWindowController,
+                                                 public NSToolbarDelegate,
+                                                 public NSWindowDelegate {
 public:
     ZR_CLASS(MASPreferencesWindowController, NSWindowController)
     using Controllers = std::vector<std::shared_ptr<NSObject>>;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <ZRUIKit/BaseSliderView.h>
 
 namespace zr {
@@ -12,7 +13,7 @@ namespace zr {
 // The bar follows setDCurValue and the drag; seekToValue and the release leave it where it was. Its length is
 // the value itself, also where the range does not begin at 0. A slider from an interface file shows no bar
 // until the first setDCurValue or press.
-class ProgressSliderView : public BaseSliderView {
+class ZR_EXPORT ProgressSliderView : public BaseSliderView {
 public:
     ZR_CLASS(ProgressSliderView, BaseSliderView)
 

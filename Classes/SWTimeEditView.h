@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSTextField.h>
+#include <Base/Compiler.h>
 
 #include <memory>
 
@@ -24,7 +25,7 @@ public:
 // duration and reads as 0. A value that the delegate refuses brings up an alert with the application's texts
 // "WrongTimeInput" and "OK"; then the fields show what they showed before, and the editing goes on. Main thread
 // only.
-class SWTimeEditView : public NSView, public NSTextFieldDelegate {
+class ZR_EXPORT SWTimeEditView : public NSView, public NSTextFieldDelegate {
 public:
     ZR_CLASS(SWTimeEditView, NSView)
 

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 namespace zr {
 
 // The highlighted part of a slider's range, in the slider's value units. Plain values: nothing is checked, and
 // setting them draws nothing.
-class SliderSelectionItem : public NSObject {
+class ZR_EXPORT SliderSelectionItem : public NSObject {
 public:
     ZR_CLASS(SliderSelectionItem, NSObject)
 

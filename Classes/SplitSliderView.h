@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <ZRUIKit/BaseSliderView.h>
 
 #include <memory>
@@ -14,7 +15,7 @@ class NSImage;
 // less than 5 value units of clip. The current value (the knob) is drawn only on request; a press within 5
 // points of the track moves it, also where the press takes a handle. Messages go to the delegate of the base
 // class.
-class SplitSliderView : public BaseSliderView {
+class ZR_EXPORT SplitSliderView : public BaseSliderView {
 public:
     ZR_CLASS(SplitSliderView, BaseSliderView)
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSAlert.h>
+#include <Base/Compiler.h>
 
 #include <functional>
 #include <memory>
@@ -12,7 +13,7 @@
 namespace zr {
 
 // One button of an alert, and what pressing it does.
-class ZRAlertAction : public NSObject {
+class ZR_EXPORT ZRAlertAction : public NSObject {
 public:
     ZR_CLASS(ZRAlertAction, NSObject)
     using Block = std::function<void()>;
@@ -36,7 +37,7 @@ private:
 };
 
 // Asks a question in one call. Each returns when the user has answered. Main thread only.
-class ZRAlert : public NSObject {
+class ZR_EXPORT ZRAlert : public NSObject {
 public:
     ZR_CLASS(ZRAlert, NSObject)
     using Actions = std::vector<std::shared_ptr<ZRAlertAction>>;

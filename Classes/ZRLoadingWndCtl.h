@@ -5,6 +5,7 @@
 #include <AppKit/NSProgressIndicator.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSWindowController.h>
+#include <Base/Compiler.h>
 
 #include <memory>
 #include <string>
@@ -17,7 +18,7 @@ inline const NSNotificationName ZRLoadingPrgWndCanceledNotification = "ZRLoading
 // The sheet that a host shows while a long job runs: what is being done, how far it is, and a button to cancel
 // it. It neither runs the job nor stops it: who does observes the notification, stops, and calls endLoading.
 // May be used again. Main thread only.
-class ZRLoadingWndCtl : public NSWindowController {
+class ZR_EXPORT ZRLoadingWndCtl : public NSWindowController {
 public:
     ZR_CLASS(ZRLoadingWndCtl, NSWindowController)
 

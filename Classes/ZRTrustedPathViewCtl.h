@@ -5,6 +5,7 @@
 #include <AppKit/NSTableView.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSViewController.h>
+#include <Base/Compiler.h>
 #include <Foundation/NSURL.h>
 #include <ZRUIKit/MASPreferencesWindowController.h>
 
@@ -38,10 +39,10 @@ public:
 // commits when it is closed or shows another pane; at the end of the program it is for the host to do that.
 //
 // Main thread only, but for restoreDefaultsBookmarks() and updateRecoveringPath().
-class ZRTrustedPathViewCtl : public NSViewController,
-                             public MASPreferencesViewController,
-                             public NSTableViewDataSource,
-                             public NSTableViewDelegate {
+class ZR_EXPORT ZRTrustedPathViewCtl : public NSViewController,
+                                       public MASPreferencesViewController,
+                                       public NSTableViewDataSource,
+                                       public NSTableViewDelegate {
 public:
     ZR_CLASS(ZRTrustedPathViewCtl, NSViewController)
     using Folders = std::vector<NSURL>;

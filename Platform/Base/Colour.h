@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
+
 #include <string_view>
 
 namespace zr {
@@ -37,11 +39,11 @@ struct Colour {
 };
 
 // The name by which AppKit's programmers know the colour, such as "tertiaryLabelColor"; empty for none.
-std::string_view nameOf(SystemColour colour);
+ZR_EXPORT std::string_view nameOf(SystemColour colour);
 // None for a name that no colour has.
-SystemColour systemColourNamed(std::string_view name);
+ZR_EXPORT SystemColour systemColourNamed(std::string_view name);
 
 // The components the colour has under the appearance.
-Colour resolved(const Colour& colour, Appearance appearance);
+ZR_EXPORT Colour resolved(const Colour& colour, Appearance appearance);
 
 } // namespace zr

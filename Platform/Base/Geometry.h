@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
+
 namespace zr {
 
 // Points, sizes and rectangles in points, double precision. Who uses them says where the origin is.
@@ -71,8 +73,8 @@ constexpr bool NSMouseInRect(const NSPoint& p, const NSRect& r, bool flipped) {
 }
 
 // The common part; NSZeroRect when there is none. Touching edges do not overlap.
-NSRect NSIntersectionRect(const NSRect& a, const NSRect& b);
+ZR_EXPORT NSRect NSIntersectionRect(const NSRect& a, const NSRect& b);
 // The smallest rectangle around both; an empty one is ignored.
-NSRect NSUnionRect(const NSRect& a, const NSRect& b);
+ZR_EXPORT NSRect NSUnionRect(const NSRect& a, const NSRect& b);
 
 } // namespace zr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Base/Geometry.h>
 
 #include <array>
@@ -37,6 +38,6 @@ struct Path {
 };
 
 // The outline as elements, whatever its shape.
-std::vector<PathElement> elementsOf(const Path& path);
+ZR_EXPORT std::vector<PathElement> elementsOf(const Path& path);
 
 } // namespace zr

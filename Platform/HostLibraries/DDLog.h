@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
 
@@ -54,7 +55,7 @@ public:
 // The log. Records go to every logger whose level has their flag, one at a time and in order; while there are
 // no loggers they are not even made. From any thread, loggers included: what a logger logs is handled after the
 // record it has.
-class DDLog {
+class ZR_EXPORT DDLog {
 public:
     static void addLogger(const std::shared_ptr<DDLogger>& logger, int level = DDLogLevelAll);
     static void removeAllLoggers();

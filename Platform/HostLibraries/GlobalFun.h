@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSURL.h>
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 namespace zr {
 
 // Small helpers of the base library.
-class GlobalFun {
+class ZR_EXPORT GlobalFun {
 public:
     // The whole seconds of a time, without their fraction, as hours, minutes and seconds. Of a negative time
     // each part is negative or 0, so that hours * 3600 + minutes * 60 + seconds gives the whole seconds back.

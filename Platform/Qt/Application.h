@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
+
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -25,7 +27,7 @@ struct Options {
 
 // Makes Qt the window system of the kit while it lives. For programs that have a QApplication of their own,
 // which must exist before and live longer. Main thread only; at most one at a time.
-class Platform {
+class ZR_EXPORT Platform {
 public:
     explicit Platform(Options options = {});
     ~Platform();
@@ -39,7 +41,7 @@ private:
 
 // The same, for programs without a QApplication: it makes one, which has Qt's own texts in the language of the
 // main bundle. Then NSApplication::sharedApplication().run().
-class Application {
+class ZR_EXPORT Application {
 public:
     // Qt takes its own options out of the arguments; both must live as long as this.
     Application(int& argc, char** argv, Options options = {});

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSControl.h>
+#include <Base/Compiler.h>
 
 #include <string>
 
@@ -12,7 +13,7 @@ class ButtonPeer;
 }
 
 // A push button, the window system's own. A click, or the keyboard, sends the action to the target.
-class NSButton : public NSControl {
+class ZR_EXPORT NSButton : public NSControl {
 public:
     ZR_CLASS(NSButton, NSControl)
     NSButton();

@@ -3,11 +3,12 @@
 
 #include <AppKit/NSFont.h>
 #include <AppKit/NSView.h>
+#include <Base/Compiler.h>
 
 namespace zr {
 
 // A view that the user operates. It can be switched off, and sends its action to its target.
-class NSControl : public NSView {
+class ZR_EXPORT NSControl : public NSView {
 public:
     ZR_CLASS(NSControl, NSView)
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSControl.h>
+#include <Base/Compiler.h>
 
 #include <memory>
 
@@ -18,7 +19,7 @@ enum NSImageScaling : unsigned {
 
 // A picture in the middle of its frame. It has no frame line and cannot be edited. From an interface file, the
 // picture is looked up by its name in the main bundle, then in the kit's. Main thread only.
-class NSImageView : public NSControl {
+class ZR_EXPORT NSImageView : public NSControl {
 public:
     ZR_CLASS(NSImageView, NSControl)
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSView.h>
+#include <Base/Compiler.h>
 
 #include <memory>
 
@@ -18,7 +19,7 @@ enum NSProgressIndicatorStyle : unsigned {
 
 // How far a job has come, or, while that is not known, that it goes on. The window system's own bar; a spinning
 // one is drawn. Main thread only.
-class NSProgressIndicator : public NSView {
+class ZR_EXPORT NSProgressIndicator : public NSView {
 public:
     ZR_CLASS(NSProgressIndicator, NSView)
 

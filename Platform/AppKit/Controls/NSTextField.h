@@ -3,6 +3,7 @@
 
 #include <AppKit/NSColor.h>
 #include <AppKit/NSControl.h>
+#include <Base/Compiler.h>
 #include <Foundation/NSNotification.h>
 
 #include <memory>
@@ -52,7 +53,7 @@ public:
 // the program end an editing, where the delegate lets them; Return then sends the action and the field stays
 // first responder, with its text selected. Escape puts back the text from before the editing, and sends
 // nothing; where nothing has been typed it goes on to the window. The setters send nothing.
-class NSTextField : public NSControl {
+class ZR_EXPORT NSTextField : public NSControl {
 public:
     ZR_CLASS(NSTextField, NSControl)
     NSTextField();

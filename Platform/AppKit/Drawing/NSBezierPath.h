@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Base/Path.h>
 
 namespace zr {
 
 // An outline that can be filled, stroked and clipped to. A value. Points are in the coordinates of the view
 // that draws.
-class NSBezierPath {
+class ZR_EXPORT NSBezierPath {
 public:
     static NSBezierPath bezierPath() { return {}; }
     static NSBezierPath bezierPathWithRect(const NSRect& rect);

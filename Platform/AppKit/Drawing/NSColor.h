@@ -2,12 +2,13 @@
 #pragma once
 
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 
 namespace zr {
 
 // A colour. A value; nil is an empty optional. System colours follow the appearance: they get their components
 // when they are painted.
-class NSColor {
+class ZR_EXPORT NSColor {
 public:
     explicit NSColor(const Colour& colour) : colour_(colour) {}
 

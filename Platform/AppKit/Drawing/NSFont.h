@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Base/Font.h>
 
 namespace zr {
 
 // A font. A value; sizes in points, 0 means the standard size.
-class NSFont {
+class ZR_EXPORT NSFont {
 public:
     explicit NSFont(FontDescription description) : description_(std::move(description)) {}
 

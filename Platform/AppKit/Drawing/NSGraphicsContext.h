@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 #include <Base/Compositing.h>
 #include <Base/Geometry.h>
 #include <Base/Path.h>
@@ -16,7 +17,7 @@ class OperationList;
 
 // Where drawing goes at the moment: made for a drawing pass, current until it is destroyed. Its state is a
 // colour and a clip. Outside of a pass there is none, and drawing does nothing.
-class NSGraphicsContext {
+class ZR_EXPORT NSGraphicsContext {
 public:
     explicit NSGraphicsContext(port::OperationList& list);
     ~NSGraphicsContext();
@@ -43,7 +44,7 @@ private:
 };
 
 // Fills with the current colour, replacing what was there, its alpha included.
-void NSRectFill(const NSRect& rect);
-void NSRectFillUsingOperation(const NSRect& rect, NSCompositingOperation operation);
+ZR_EXPORT void NSRectFill(const NSRect& rect);
+ZR_EXPORT void NSRectFillUsingOperation(const NSRect& rect, NSCompositingOperation operation);
 
 } // namespace zr

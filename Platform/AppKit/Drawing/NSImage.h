@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Base/Compositing.h>
 #include <Base/Geometry.h>
 #include <Foundation/NSObject.h>
@@ -17,7 +18,7 @@ struct ImageRepresentation;
 
 // A picture with representations for scales and appearances, of which the one that suits is taken when it is
 // drawn. Size in points, coordinates from the lower left. Main thread only.
-class NSImage : public NSObject {
+class ZR_EXPORT NSImage : public NSObject {
 public:
     ZR_CLASS(NSImage, NSObject)
     NSImage();

@@ -3,6 +3,7 @@
 
 #include <AppKit/NSColor.h>
 #include <AppKit/NSFont.h>
+#include <Base/Compiler.h>
 #include <Base/Geometry.h>
 
 #include <string>
@@ -19,12 +20,14 @@ struct TextAttributes {
 
 // One line. In an unflipped view the point is the lower left corner of the line, in a flipped one the upper
 // left.
-void drawAtPoint_withAttributes(std::string_view text, const NSPoint& point, const TextAttributes& attributes);
+ZR_EXPORT void drawAtPoint_withAttributes(std::string_view text, const NSPoint& point,
+                                          const TextAttributes& attributes);
 // Zero while no window system is installed.
-NSSize sizeWithAttributes(std::string_view text, const TextAttributes& attributes);
+ZR_EXPORT NSSize sizeWithAttributes(std::string_view text, const TextAttributes& attributes);
 
 // The text in lines no wider than that: broken where it says so, then between words, and within a word, or
 // between the characters of a script without blanks, only where nothing else fits.
-std::vector<std::string> linesOfText(std::string_view text, double width, const TextAttributes& attributes);
+ZR_EXPORT std::vector<std::string> linesOfText(std::string_view text, double width,
+                                               const TextAttributes& attributes);
 
 } // namespace zr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <filesystem>
@@ -26,7 +27,7 @@ struct File;
 // Logged, and left out of a file that is used all the same: an outlet, action or attribute that the object's
 // class does not have; an attribute that its setter refuses; elements, colours, fonts and words that are not
 // known.
-class NSNib : public NSObject {
+class ZR_EXPORT NSNib : public NSObject {
 public:
     ZR_CLASS(NSNib, NSObject)
     NSNib();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSResponder.h>
+#include <Base/Compiler.h>
 
 #include <memory>
 #include <string>
@@ -14,7 +15,7 @@ class NSView;
 
 // Holds a view, which it may take from an interface file. Whoever shows the view puts the controller into the
 // responder chain and tells it when the view comes and goes. Main thread only.
-class NSViewController : public NSResponder {
+class ZR_EXPORT NSViewController : public NSResponder {
 public:
     ZR_CLASS(NSViewController, NSResponder)
 

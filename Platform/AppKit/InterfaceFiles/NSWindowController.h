@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSResponder.h>
+#include <Base/Compiler.h>
 
 #include <memory>
 #include <string>
@@ -13,7 +14,7 @@ class NSWindow;
 
 // Holds a window, which it may take from an interface file, and follows it in the responder chain. Main thread
 // only.
-class NSWindowController : public NSResponder {
+class ZR_EXPORT NSWindowController : public NSResponder {
 public:
     ZR_CLASS(NSWindowController, NSResponder)
 

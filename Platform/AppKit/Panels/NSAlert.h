@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSApplication.h>
+#include <Base/Compiler.h>
 #include <Foundation/NSString.h>
 
 #include <memory>
@@ -32,7 +33,7 @@ enum : int {
 // whose title is the application's "Cancel", or whose key is Escape, is pressed by both Escape and closing the
 // alert. A text too tall for
 // the screen scrolls. May be run again. Main thread only.
-class NSAlert : public NSObject {
+class ZR_EXPORT NSAlert : public NSObject {
 public:
     ZR_CLASS(NSAlert, NSObject)
     NSAlert();
@@ -82,10 +83,10 @@ enum NSAlertPanelResponse : int {
 };
 
 // The alert in one call, of which one button is the default one; nil for one of the others: no such button.
-int runAlertPanel(const std::string& title, const std::string& message,
-                  const std::optional<std::string>& defaultButton,
-                  const std::optional<std::string>& alternateButton,
-                  const std::optional<std::string>& otherButton);
+ZR_EXPORT int runAlertPanel(const std::string& title, const std::string& message,
+                            const std::optional<std::string>& defaultButton,
+                            const std::optional<std::string>& alternateButton,
+                            const std::optional<std::string>& otherButton);
 
 template <class... Arguments>
 int NSRunAlertPanel(const std::string& title, std::string_view messageFormat,

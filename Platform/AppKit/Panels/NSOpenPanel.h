@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSURL.h>
 
@@ -22,7 +23,7 @@ enum : int { NSModalResponseCancel = 0, NSModalResponseOK = 1 };
 
 // The window system's own dialog that lets the user choose files or folders that there are. May be shown again.
 // Main thread only.
-class NSOpenPanel : public NSObject {
+class ZR_EXPORT NSOpenPanel : public NSObject {
 public:
     ZR_CLASS(NSOpenPanel, NSObject)
     NSOpenPanel();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSView.h>
+#include <Base/Compiler.h>
 
 namespace zr {
 
@@ -10,7 +11,7 @@ class NSTableHeaderView;
 enum NSBorderType : unsigned { NSNoBorder = 0, NSLineBorder = 1, NSBezelBorder = 2, NSGrooveBorder = 3 };
 
 // What is seen of a document. The document fills it, and scrolls itself.
-class NSClipView : public NSView {
+class ZR_EXPORT NSClipView : public NSView {
 public:
     ZR_CLASS(NSClipView, NSView)
     bool isFlipped() const override { return documentView_ && documentView_->isFlipped(); }
@@ -24,7 +25,7 @@ private:
 
 // A frame around a document that scrolls itself, such as a table, whose header it shows above. There is nothing
 // here to scroll other views with.
-class NSScrollView : public NSView {
+class ZR_EXPORT NSScrollView : public NSView {
 public:
     ZR_CLASS(NSScrollView, NSView)
 

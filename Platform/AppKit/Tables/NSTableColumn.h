@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <string>
@@ -11,7 +12,7 @@ class NSCoder;
 class NSTableView;
 
 // A column of a table. Lengths in points.
-class NSTableColumn : public NSObject {
+class ZR_EXPORT NSTableColumn : public NSObject {
 public:
     ZR_CLASS(NSTableColumn, NSObject)
 

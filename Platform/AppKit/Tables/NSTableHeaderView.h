@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSView.h>
+#include <Base/Compiler.h>
 
 namespace zr {
 
@@ -13,7 +14,7 @@ class TableHeaderPeer;
 
 // The titles above a table's columns. Its scroll view places it; its coordinates follow the table when that is
 // scrolled sideways. Dragging the edge of a title changes the column's width.
-class NSTableHeaderView : public NSView {
+class ZR_EXPORT NSTableHeaderView : public NSView {
 public:
     ZR_CLASS(NSTableHeaderView, NSView)
     NSTableHeaderView();

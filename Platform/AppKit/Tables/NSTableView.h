@@ -4,6 +4,7 @@
 #include <AppKit/NSControl.h>
 #include <AppKit/NSTableColumn.h>
 #include <AppKit/NSTableHeaderView.h>
+#include <Base/Compiler.h>
 #include <Foundation/NSIndexSet.h>
 #include <Foundation/NSNotification.h>
 
@@ -52,7 +53,7 @@ public:
 // A click selects a row; with Command it selects or deselects one more; with Shift, and while dragging, it
 // selects all from the row clicked before. The arrows, Page Up, Page Down, Home and End select a row, with
 // Shift all up to it; Command-A selects all. The action is sent after a click. Main thread only.
-class NSTableView : public NSControl {
+class ZR_EXPORT NSTableView : public NSControl {
 public:
     ZR_CLASS(NSTableView, NSControl)
     NSTableView();

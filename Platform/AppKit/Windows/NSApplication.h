@@ -3,6 +3,7 @@
 
 #include <AppKit/NSResponder.h>
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 
 #include <deque>
 #include <functional>
@@ -39,7 +40,7 @@ public:
 
 // The application object of the installed window system: its windows, its event loop, its appearance. Main
 // thread only.
-class NSApplication : public NSResponder {
+class ZR_EXPORT NSApplication : public NSResponder {
 public:
     ZR_CLASS(NSApplication, NSResponder)
     NSApplication();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Base/Event.h>
 
 #include <utility>
@@ -9,7 +10,7 @@ namespace zr {
 
 // What the user did. A value. Locations are in window coordinates: points, origin at the lower left of the
 // window's content, y up.
-class NSEvent {
+class ZR_EXPORT NSEvent {
 public:
     // `event` is y-down, from the top left of a content of that height.
     NSEvent(InputEvent event, double contentHeight);

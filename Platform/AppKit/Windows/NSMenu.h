@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSEvent.h>
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <functional>
@@ -21,7 +22,7 @@ struct MenuItem;
 
 // A command of a menu: what it is called, the key that is as good as choosing it, and what it sends to whom;
 // the target is not retained. Main thread only, as menus are.
-class NSMenuItem : public NSObject {
+class ZR_EXPORT NSMenuItem : public NSObject {
 public:
     ZR_CLASS(NSMenuItem, NSObject)
     static std::shared_ptr<NSMenuItem> separatorItem();
@@ -67,7 +68,7 @@ private:
 };
 
 // Items are looked at when the menu is about to be shown: one whose action nobody takes is disabled then.
-class NSMenu : public NSObject {
+class ZR_EXPORT NSMenu : public NSObject {
 public:
     ZR_CLASS(NSMenu, NSObject)
     bool initWithTitle(const std::string& title);

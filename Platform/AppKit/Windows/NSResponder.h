@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSEvent.h>
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <memory>
@@ -11,7 +12,7 @@ namespace zr {
 class NSCoder;
 
 // An object that takes events and actions, or passes them on to its next responder. Main thread only.
-class NSResponder : public NSObject {
+class ZR_EXPORT NSResponder : public NSObject {
 public:
     ZR_CLASS(NSResponder, NSObject)
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Base/Geometry.h>
 
 #include <vector>
@@ -8,7 +9,7 @@
 namespace zr {
 
 // Points, y up, origin at the lower left of the primary screen.
-class NSScreen {
+class ZR_EXPORT NSScreen {
 public:
     static NSScreen mainScreen();           // the primary one; an empty one while no window system is installed
     static std::vector<NSScreen> screens(); // the primary one first

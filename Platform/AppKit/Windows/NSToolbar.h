@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <memory>
@@ -25,7 +26,7 @@ inline const NSToolbarItemIdentifier NSToolbarSpaceItemIdentifier = "NSToolbarSp
 
 // An icon, shown at 32 x 32 points, above a label; a toolbar looks at them when it takes the item. A click
 // sends the action to the target or, without one, along the responder chain; the sender is the item.
-class NSToolbarItem : public NSObject {
+class ZR_EXPORT NSToolbarItem : public NSObject {
 public:
     ZR_CLASS(NSToolbarItem, NSObject)
     bool initWithItemIdentifier(const NSToolbarItemIdentifier& identifier);
@@ -67,7 +68,7 @@ public:
 // A row of items between a window's title and its content. They are asked of the delegate when the toolbar has
 // both a window and a delegate, or when they are first asked for: the default ones, as nobody can choose
 // others. Neither the delegate nor the targets are retained. Main thread only.
-class NSToolbar : public NSObject {
+class ZR_EXPORT NSToolbar : public NSObject {
 public:
     ZR_CLASS(NSToolbar, NSObject)
     NSToolbar();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSResponder.h>
+#include <Base/Compiler.h>
 #include <Base/Geometry.h>
 
 #include <memory>
@@ -34,7 +35,7 @@ enum NSAutoresizingMaskOptions : unsigned {
 // A rectangle in a window that draws, and takes events. An ordinary object: it answers everything without a
 // window, too. Points; origin at the lower left and y up, unless the view says that it is flipped, which then
 // holds for the frames of its subviews as well. A superview holds its subviews. Main thread only.
-class NSView : public NSResponder {
+class ZR_EXPORT NSView : public NSResponder {
 public:
     ZR_CLASS(NSView, NSResponder)
     NSView();

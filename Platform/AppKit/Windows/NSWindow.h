@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/NSResponder.h>
+#include <Base/Compiler.h>
 #include <Base/Geometry.h>
 #include <Foundation/NSNotification.h>
 
@@ -56,7 +57,7 @@ public:
 // A window. Its content fills it; window coordinates have their origin at the lower left of the content. A
 // window that was shown is held by the application until it closes. It is realised, with all its views, when it
 // is first shown, and comes to be without a real window again when it closes. Main thread only.
-class NSWindow : public NSResponder {
+class ZR_EXPORT NSWindow : public NSResponder {
 public:
     ZR_CLASS(NSWindow, NSResponder)
     NSWindow();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -46,13 +48,13 @@ struct Host {
     std::shared_ptr<Portal> portal{}; // null outside of a sandbox
 };
 
-void install(Host host);
+ZR_EXPORT void install(Host host);
 // The program is about to end: what is being done in the background waits no more for file systems that do not
 // answer. From then on nothing there can be had until another host is installed.
-void stopWaiting();
-void uninstall();
+ZR_EXPORT void stopWaiting();
+ZR_EXPORT void uninstall();
 // The language that the application speaks, as its main bundle names it; empty where it has none. Answered by
 // whoever has the bundles.
-std::string preferredLocalization();
+ZR_EXPORT std::string preferredLocalization();
 
 } // namespace zr::backend

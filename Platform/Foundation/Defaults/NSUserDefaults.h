@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/PropertyList.h>
 
@@ -21,7 +22,7 @@ class DefaultsFile;
 // any thread. A value that is set can be read at once; it reaches the disk soon after, in the background, and
 // at the latest when the host goes or the program ends. What cannot be written stays in memory, is logged, and
 // is tried again. Several processes may use one file: of each key the last one to write it wins.
-class NSUserDefaults : public NSObject {
+class ZR_EXPORT NSUserDefaults : public NSObject {
 public:
     ZR_CLASS(NSUserDefaults, NSObject)
 

@@ -69,7 +69,7 @@ fs::path mainBundlePath(const backend::InstalledHost& installed) {
 
 // The kit's resources lie at a fixed place relative to its library.
 fs::path kitBundlePath(const backend::Program& program) {
-    return (program.library.parent_path() / ZRUIKIT_RESOURCES_FROM_LIBRARY).lexically_normal();
+    return (program.library.parent_path() / ZRUIKIT_RESOURCES_FROM_OWN_PLACE).lexically_normal();
 }
 
 struct Bundles : backend::Part {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <filesystem>
@@ -17,7 +18,7 @@ class NSImage;
 
 // A folder of resources: pictures and, in LANGUAGE.lproj folders, tables of strings. From any thread, but for
 // images, which belong to the main thread. The main bundle and the kit's live as long as the installed host.
-class NSBundle : public NSObject {
+class ZR_EXPORT NSBundle : public NSObject {
 public:
     ZR_CLASS(NSBundle, NSObject)
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <string>
@@ -10,7 +11,7 @@ namespace zr {
 // Questions to the file system, each answered as it is at that moment. Links are followed, "~" is an ordinary
 // name, and no path is an item's that has the character zero in it. A file system that does not answer within
 // two seconds has nothing. From any thread.
-class NSFileManager : public NSObject {
+class ZR_EXPORT NSFileManager : public NSObject {
 public:
     ZR_CLASS(NSFileManager, NSObject)
 

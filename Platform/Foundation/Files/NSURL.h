@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSError.h>
 #include <Foundation/PropertyList.h>
 
@@ -22,7 +23,7 @@ enum NSURLBookmarkResolutionOptions : unsigned long {
 };
 
 // The place of a file or folder. A value.
-class NSURL {
+class ZR_EXPORT NSURL {
 public:
     // A relative path is taken from the working directory, which an empty one stands for. Nothing in it is
     // resolved: ".", "..", "~", links and double slashes stay. A path that ends in a slash, or at which there

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 #include <Base/Geometry.h>
 
 #include <limits>
@@ -43,7 +44,7 @@ struct Attribute {
 
 // What is known of a class at run time, by the original names. Each class has one, beside its source; look-ups
 // go on in the superclass.
-struct ClassTable {
+struct ZR_EXPORT ClassTable {
     std::string_view name;
     const ClassTable* superclass = nullptr;
     std::shared_ptr<NSObject> (*make)(NSCoder* coder) =
@@ -59,14 +60,14 @@ struct ClassTable {
 };
 
 // All classes of the kit and of the layer below it; the list stands beside the kit's classes.
-std::span<const ClassTable* const> kitClassTables();
+ZR_EXPORT std::span<const ClassTable* const> kitClassTables();
 
 // Adds a class of the application to those that are known by name, so that its interface files may use it. Main
 // thread only. Throws std::logic_error when another class has the name.
-void registerClass(const ClassTable& table);
+ZR_EXPORT void registerClass(const ClassTable& table);
 
 // Null when there is no class of that name.
-const ClassTable* NSClassFromString(std::string_view name);
+ZR_EXPORT const ClassTable* NSClassFromString(std::string_view name);
 
 namespace detail {
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
+
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -27,16 +29,16 @@ constexpr dispatch_queue_t dispatch_get_global_queue(long /*priority*/, unsigned
 }
 
 // Stays within what can be told: long before the clock's beginning is "at once", beyond its end is its end.
-dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds);
-void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
+ZR_EXPORT dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds);
+ZR_EXPORT void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
 // Never before its time. Cannot be cancelled.
-void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
+ZR_EXPORT void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
 template <class Block>
 void dispatch_once(dispatch_once_t& token, Block&& block) {
     std::call_once(token, std::forward<Block>(block));
 }
 
-class NSThread {
+class ZR_EXPORT NSThread {
 public:
     // The thread that runs the application's event loop.
     static bool isMainThread();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <functional>
@@ -24,7 +25,7 @@ struct NSNotification {
 
 // Hands notifications out on the thread that posts them, before the post returns. Retains no object that a
 // notification is about. Main thread only.
-class NSNotificationCenter : public NSObject {
+class ZR_EXPORT NSNotificationCenter : public NSObject {
 public:
     ZR_CLASS(NSNotificationCenter, NSObject)
 

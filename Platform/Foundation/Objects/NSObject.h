@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/ClassTable.h>
 
 #include <memory>
@@ -15,7 +16,7 @@ namespace zr {
 // shared_from_this() work. An initialiser that answers false makes make() answer null. When the last reference
 // goes, dealloc() runs first, as the class that was made, with all weak references to the object already null;
 // then the destructors run.
-class NSObject : public std::enable_shared_from_this<NSObject> {
+class ZR_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
 public:
     NSObject(const NSObject&) = delete;
     NSObject& operator=(const NSObject&) = delete;

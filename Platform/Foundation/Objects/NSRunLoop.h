@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <map>
@@ -13,7 +14,7 @@ namespace zr {
 inline const std::string NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
 
 // Something that keeps a run loop going; no data comes through it.
-class NSPort : public NSObject {
+class ZR_EXPORT NSPort : public NSObject {
 public:
     ZR_CLASS(NSPort, NSObject)
 
@@ -22,7 +23,7 @@ public:
 
 // What a thread would wait for. Threads here wait for their queues alone, so that what is added is kept, until
 // the thread ends, and nothing comes of it. Each thread has its own.
-class NSRunLoop : public NSObject {
+class ZR_EXPORT NSRunLoop : public NSObject {
 public:
     ZR_CLASS(NSRunLoop, NSObject)
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
 
 #include <concepts>
@@ -55,19 +56,19 @@ private:
 
 // The number a text begins with, after white space; what follows is ignored. A point is the decimal sign in
 // every language. 0 where there is no number; infinity, or the nearest whole number, where it is too large.
-double doubleValue(std::string_view text);
-float floatValue(std::string_view text);
-std::int32_t intValue(std::string_view text);
-std::int64_t integerValue(std::string_view text);
+ZR_EXPORT double doubleValue(std::string_view text);
+ZR_EXPORT float floatValue(std::string_view text);
+ZR_EXPORT std::int32_t intValue(std::string_view text);
+ZR_EXPORT std::int64_t integerValue(std::string_view text);
 
 // A path without its last part. Slashes count once, and not at the end; of "/" and of nothing the same is left,
 // of a name alone nothing. Every other character is a part of a name.
-std::string stringByDeletingLastPathComponent(std::string_view path);
+ZR_EXPORT std::string stringByDeletingLastPathComponent(std::string_view path);
 
 // Understands %@ and C's conversions d i u x X o c s f F e E g G with flags, width and precision, and %%.
 // Length letters (l, ll, q, z, h) are skipped: arguments know their size. A conversion without an argument
 // stays as it is written. Numbers are never localised.
-std::string formatArguments(std::string_view format, std::span<const FormatArgument> arguments);
+ZR_EXPORT std::string formatArguments(std::string_view format, std::span<const FormatArgument> arguments);
 
 template <class... Arguments>
 std::string stringWithFormat(std::string_view format, const Arguments&... arguments) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <Base/Compiler.h>
+
 #include <chrono>
 #include <concepts>
 #include <cstddef>
@@ -17,7 +19,7 @@ using NSData = std::vector<std::uint8_t>;
 using NSDate = std::chrono::sys_time<std::chrono::microseconds>;
 
 // A value of a property list. A number keeps whether it is whole, real or a truth.
-class PropertyList {
+class ZR_EXPORT PropertyList {
 public:
     using Array = std::vector<PropertyList>;
     using Dictionary = std::map<std::string, PropertyList, std::less<>>;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 #include <Base/Event.h>
 #include <Base/Geometry.h>
 
@@ -21,7 +22,7 @@ class System;
 class View;
 
 // A window, seen from outside. Points are in window coordinates: from the lower left of the content, y up.
-class Window {
+class ZR_EXPORT Window {
 public:
     virtual ~Window() = default;
 
@@ -112,7 +113,7 @@ struct Options {
 };
 
 // Installed while it lives; at most one at a time.
-class Platform {
+class ZR_EXPORT Platform {
 public:
     explicit Platform(Options options = {});
     ~Platform();

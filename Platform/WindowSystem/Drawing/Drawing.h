@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 #include <Base/Compositing.h>
 #include <Base/Font.h>
 #include <Base/Geometry.h>
@@ -38,8 +39,8 @@ using ImageRepresentations = std::shared_ptr<const std::vector<ImageRepresentati
 
 // The representation for a drawing of that scale and appearance: of its appearance where there is one, then the
 // smallest that has pixels enough, else the largest. Null for none.
-const ImageRepresentation* bestRepresentation(const std::vector<ImageRepresentation>& representations,
-                                              double scale, Appearance appearance);
+ZR_EXPORT const ImageRepresentation* bestRepresentation(const std::vector<ImageRepresentation>& representations,
+                                                        double scale, Appearance appearance);
 
 // A value that its copies share: copying what holds it is cheap. It is never changed.
 template <class T>
@@ -98,7 +99,7 @@ struct Clip {
     bool operator==(const Clip&) const = default;
 };
 
-struct Fill {
+struct ZR_EXPORT Fill {
     Path path;
     Colour colour;
     NSCompositingOperation compositing = NSCompositingOperationSourceOver;
@@ -114,7 +115,7 @@ struct StrokeStyle {
     bool operator==(const StrokeStyle&) const = default;
 };
 
-struct Stroke {
+struct ZR_EXPORT Stroke {
     Path path;
     Colour colour;
     StrokeStyle style;
@@ -125,7 +126,7 @@ struct Stroke {
 };
 
 // Draws `source` of the image (points of its own, lower left; never empty) into `destination`.
-struct Image {
+struct ZR_EXPORT Image {
     ImageRepresentations representations;
     Size size; // of the image, points
     Rect destination;
@@ -154,7 +155,7 @@ using Operation = std::variant<Save, Restore, Clip, Fill, Stroke, Image, Text>;
 
 // Where a drawing differs from the one on the screen. Rectangles that overlap become one, as painting many
 // small ones costs more than painting what lies between them.
-class DamagedAreas {
+class ZR_EXPORT DamagedAreas {
 public:
     void clear() { areas_.clear(); }
     // What is snapped to device pixels or antialiased reaches a little further than it says.
@@ -167,7 +168,7 @@ private:
 
 // A drawing pass: what a view drew, in its order. It can be painted again without asking the view, and compared
 // with the next one, so that only what changed is painted. Assigning a list re-uses the memory of the old one.
-class OperationList {
+class ZR_EXPORT OperationList {
 public:
     template <class T>
     requires(!std::is_same_v<T, Operation>) // which does not say at once whether it nests

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/Colour.h>
+#include <Base/Compiler.h>
 #include <Base/Event.h>
 #include <Base/Geometry.h>
 #include <WindowSystem/Drawing.h>
@@ -249,7 +250,7 @@ public:
 
 // Makes the window system the one that views, windows and the application object of this process use, with a
 // new application object. Ends with uninstall(). At most one at a time.
-ApplicationClient& install(WindowSystem& windowSystem);
-void uninstall();
+ZR_EXPORT ApplicationClient& install(WindowSystem& windowSystem);
+ZR_EXPORT void uninstall();
 
 } // namespace zr::port

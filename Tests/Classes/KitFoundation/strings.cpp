@@ -14,8 +14,6 @@
 #include <cstdlib>
 #include <iostream>
 
-#include <dlfcn.h>
-
 namespace zr {
 
 namespace {
@@ -46,17 +44,13 @@ protected:
 
 using KitImages = KitStrings;
 
-fs::path kitLibrary() {
-    Dl_info info{};
-    if (!dladdr(dlsym(RTLD_DEFAULT, "ZRUIKitVersionNumber"), &info)) return {};
-    return fs::canonical(info.dli_fname);
-}
+const fs::path kKitLibrary = fs::canonical(ZR_KIT_LIBRARY);
 
 // Asks a process of its own, whose kit was installed into `root`, for texts of the kit.
 std::string textsOfInstalledKit(const fs::path& root, const fs::path& application) {
-    const auto libraries = root / fs::relative(kitLibrary().parent_path(), KitBundle().bundlePath() / "../..");
+    const auto libraries = root / fs::relative(kKitLibrary.parent_path(), KitBundle().bundlePath() / "../..");
     fs::create_directories(libraries);
-    fs::copy_file(kitLibrary(), libraries / "libZRUIKit.so.1");
+    fs::copy_file(kKitLibrary, libraries / "libZRUIKit.so.1");
     const std::string command = "LD_LIBRARY_PATH='" + libraries.string() + "' LD_PRELOAD= '" +
                                 std::string(ZR_KIT_TEXTS) + "' '" + application.string() + "'";
     FILE* const output = popen(command.c_str(), "r");
