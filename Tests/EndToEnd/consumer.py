@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Installs the kit, builds the hosts that the README shows against it, runs a host made of Qt's own widgets, and looks at
-the kit's library.
+"""Installs the kit, builds the hosts that the README shows against it, runs a host made of Qt's own widgets and one with a
+window system of its own, and looks at the kit's libraries.
 Arguments: the build folder, the source folder."""
 
 import os
@@ -18,7 +18,7 @@ build, source = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
 
 def run(*command, **environment):
     result = subprocess.run([str(word) for word in command], text=True, capture_output=True, timeout=300,
-                            env={**os.environ, **environment})
+                            env={**os.environ, **{name: str(value) for name, value in environment.items()}})
     if result.returncode:
         sys.exit(f"{command}\n{result.stdout}{result.stderr}")
     return result.stdout
@@ -39,30 +39,78 @@ button: 10 134 120 30
 windows: 0
 """
 
+ADAPTOR_SAYS = """\
+shown: Elsewhere
+key: 1, slider: 400 by 61
+draws: 1, the same when asked itself: 1
+dragged to: 125
+closed
+"""
+
+
+def pkg_config(*words):
+    return run("pkg-config", *words, PKG_CONFIG_PATH=prefix / "lib/pkgconfig").split()
+
+
+def refused(flag, compiler):
+    """What the compiler says to a host that is compiled with the flag."""
+    result = subprocess.run([compiler, "-std=c++20", flag, "-fsyntax-only", *pkg_config("--cflags", "zruikit"), "-x", "c++", "-"],
+                            input="#include <ZRUIKit/SplitSliderView.h>\n", text=True, capture_output=True, timeout=300)
+    assert result.returncode != 0, f"{compiler} {flag} compiles a host"
+    return result.stderr
+
+
 with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
     folder = pathlib.Path(name)
     prefix = folder / "prefix"
     run("cmake", "--install", build, "--prefix", prefix)
+    include = prefix / "include/ZRUIKit"
+    headers = {str(header.relative_to(include).relative_to(header.relative_to(include).parts[0])) for header in include.rglob("*.h")}
     private = {"InstalledHost.h", "Program.h", "Waiting.h", "ObjectClasses.h", "FileClasses.h", "StringsTable.h", "Unicode.h",
                "BinaryPropertyList.h", "Bookmark.h", "FileQuestions.h", "UserLanguages.h", "DefaultsFile.h", "InstalledSystem.h",
-               "DrawingSystem.h", "Drawing.h", "Windows.h", "Controls.h", "ViewWidget.h", "RealWindow.h"}
-    assert not private & {header.name for header in prefix.rglob("*.h")}, "private headers are installed"
+               "DrawingSystem.h", "WindowFocus.h", "NibFile.h", "ViewWidget.h", "RealWindow.h"}
+    assert not private & {header.split("/")[-1] for header in headers}, "private headers are installed"
+    for umbrella in "Foundation", "AppKit", "ZRUIKit":
+        text = (next(include.rglob(f"{umbrella}/{umbrella}.h"))).read_text()
+        missing = {header for header in headers if header.startswith(umbrella + "/") and f"<{header}>" not in text}
+        assert missing == {f"{umbrella}/{umbrella}.h"}, f"<{umbrella}/{umbrella}.h> has not {missing}"
 
-    hosts = re.findall(r"```cpp\n(.*?)```", (source / "README.md").read_text(), re.DOTALL)
-    names = ["host.cpp", "embedding_host.cpp"]
-    assert len(hosts) == len(names), "the README shows other hosts than these"
-    for name, host in zip(names, hosts):
-        (folder / name).write_text(host)
-    run("cmake", "-S", source / "Tests/EndToEnd/Consumer", "-B", folder / "build", "-G", "Ninja",
-        f"-DCMAKE_PREFIX_PATH={prefix}", f"-DHOST_SOURCE={folder / names[0]}",
-        f"-DEMBEDDING_HOST_SOURCE={folder / names[1]}")
-    run("cmake", "--build", folder / "build")
+    # The README's hosts, by the README's own lines.
+    readme = (source / "README.md").read_text()
+    blocks = {kind: re.findall(rf"```{kind}\n(.*?)```", readme, re.DOTALL) for kind in ("cpp", "cmake")}
+    names = ["host", "embedding_host"]
+    assert len(blocks["cpp"]) == len(blocks["cmake"]) == len(names), "the README shows other hosts than these"
+    for name, host, lines in zip(names, blocks["cpp"], blocks["cmake"]):
+        (folder / name).mkdir()
+        (folder / name / "host.cpp").write_text(host)
+        (folder / name / "CMakeLists.txt").write_text(lines)
+    # A host of Qt's widgets that looks at itself, and a window system of the host's own.
+    projects = {**{name: folder / name for name in names}, "consumer": source / "Tests/EndToEnd/Consumer"}
+    for name, project in projects.items():
+        # A linker that forgets libraries of which the program itself calls nothing, as many distributions have it.
+        run("cmake", "-S", project, "-B", folder / f"build_{name}", "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
+            "-DCMAKE_EXE_LINKER_FLAGS=-Wl,--as-needed")
+        run("cmake", "--build", folder / f"build_{name}")
+    targets = "".join(script.read_text() for script in prefix.rglob("ZRUIKit*Targets.cmake"))
+    named = set(re.findall(r"add_library\((\S+) ", targets))
+    assert named == {f"ZRUIKit::{name}" for name in ("Kit", "Headless", "Port", "Qt")}, named
 
-    seen = run(folder / "build/qt_host", QT_QPA_PLATFORM="offscreen", QT_SCALE_FACTOR="1", LC_ALL="C.UTF-8")
+    seen = run(folder / "build_consumer/qt_host", QT_QPA_PLATFORM="offscreen", QT_SCALE_FACTOR="1", LC_ALL="C.UTF-8")
     assert seen == KIT_SEES, f"the kit in a host of Qt's widgets sees\n{seen}"
+    said = run(folder / "build_consumer/adaptor", LC_ALL="C.UTF-8")
+    assert said == ADAPTOR_SAYS, f"the kit on another window system:\n{said}"
+    # The same by pkg-config.
+    run("g++", "-std=c++20", source / "Tests/EndToEnd/Consumer/Adaptor.cpp", "-o", folder / "by_pkg_config",
+        *pkg_config("--cflags", "--libs", "zruikit-port"), f"-Wl,-rpath,{prefix / 'lib'}")
+    assert run(folder / "by_pkg_config", LC_ALL="C.UTF-8") == ADAPTOR_SAYS
+
+    for compiler in "g++", "clang++-14":
+        for flag, wanted in {"-fno-rtti": "run-time type information", "-fno-exceptions": "exceptions", "-std=c++17": "C++20"}.items():
+            text = refused(flag, compiler)
+            assert f'error "ZRUIKit needs {wanted}' in text or f"error: \"ZRUIKit needs {wanted}" in text, f"{compiler} {flag}: {text}"
 
     with Desktop() as desktop:
-        host = desktop.start([str(folder / "build/host")], env=desktop.environment)
+        host = desktop.start([str(folder / "build_host/host")], env=desktop.environment)
         window = wait_until("the host's window", lambda: desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(host.pid)).split())
         desktop.ask_to_close(window[0])
         assert host.wait(DEADLINE) == 0, "the first host of the README does not end with its window"
@@ -71,6 +119,7 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
     symbols = {line.split()[-1]: line.split()[-2] for line in run("nm", "-D", "--defined-only", library).splitlines()}
     for symbol in ("ZRUIKitVersionNumber", "ZRUIKitVersionString"):
         assert symbols.get(symbol) in ("R", "D"), f"{symbol} is not an exported data symbol"
+    print(run(sys.executable, source / "Tests/EndToEnd/exports.py", library.parent, include, source / "Tests/EndToEnd/qtExports.txt"))
     resources = prefix / "share/ZRUIKit"
     assert (resources / "SliderTrimLeft@2x.png").is_file() and (resources / "en.lproj/Localized.strings").is_file()
     linked = run("ldd", library)

@@ -1,0 +1,101 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Builds the kit in the ways in which others do.
+Arguments: Subproject | Static, the source folder."""
+
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+group, source = sys.argv[1], pathlib.Path(sys.argv[2]).resolve()
+
+
+def run(*command, folder=None, **environment):
+    result = subprocess.run([str(word) for word in command], text=True, capture_output=True, timeout=1500, cwd=folder,
+                            env={**os.environ, **environment})
+    if result.returncode:
+        sys.exit(f"{command}\n{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+def configure(project, build, *options, **environment):
+    run("cmake", "-S", project, "-B", build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
+        "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", *options, **environment)
+
+
+def subproject(folder):
+    """The kit in another's project, on a machine that has no media libraries: it configures, what it adds is the kit alone,
+    its warnings are nobody's errors, and what it wants installed does not come into the project's own installation."""
+    (folder / "kit").symlink_to(source)
+    (folder / "CMakeLists.txt").write_text("""cmake_minimum_required(VERSION 3.25)
+project(whole LANGUAGES CXX)
+add_subdirectory(kit)
+add_executable(host host.cpp)
+target_link_libraries(host PRIVATE ZRUIKit::Qt)
+add_library(own own.cpp)
+file(GENERATE OUTPUT kind.txt CONTENT "$<TARGET_PROPERTY:own,TYPE>")
+install(TARGETS host)
+""")
+    (folder / "host.cpp").write_text("#include <ZRUIKitQt/Application.h>\nint main() {}\n")
+    (folder / "own.cpp").write_text("int own() { return 1; }\n")
+    modules = folder / "modules"  # all that pkg-config finds there
+    modules.mkdir()
+    found = run("pkg-config", "--variable=pcfiledir", "libplist-2.0").strip()
+    (modules / "libplist-2.0.pc").symlink_to(pathlib.Path(found) / "libplist-2.0.pc")
+    build = folder / "build"
+    configure(folder, build, PKG_CONFIG_LIBDIR=str(modules))
+    commands = json.loads((build / "compile_commands.json").read_text())
+    assert any("SplitSliderView.cpp" in entry["file"] for entry in commands)
+    strangers = [entry["file"] for entry in commands if "/Examples/" in entry["file"] or "/Tests/" in entry["file"]]
+    assert not strangers, f"the kit brings its own programs: {strangers}"
+    assert not any("-Werror" in entry["command"] for entry in commands), "the kit's warnings end another's build"
+    assert (build / "kind.txt").read_text() == "STATIC_LIBRARY", "the kit decides how another's libraries are built"
+    run("ninja", "-C", build, "zr_base")
+    installs = "".join(script.read_text() for script in build.rglob("cmake_install.cmake"))
+    assert "host" in installs and "ZRUIKit" not in installs.replace("kit/cmake_install", ""), "the kit installs itself"
+
+
+def static(folder):
+    """One program with the kit and Headless in it, and nothing to be found beside it but the kit's pictures and texts."""
+    build, prefix = folder / "build", folder / "prefix"
+    configure(source, build, "-DBUILD_SHARED_LIBS=OFF", "-DZRUIKIT_QT=OFF", "-DZRUIKIT_TESTS=OFF", f"-DCMAKE_INSTALL_PREFIX={prefix}")
+    run("ninja", "-C", build)
+    run("cmake", "--install", build)
+    assert not list(prefix.rglob("*.so*")), "a static build has shared libraries"
+    (folder / "host.cpp").write_text("""#include <AppKit/NSImage.h>
+#include <ZRUIKit/ZRUIKit.h>
+#include <ZRUIKitHeadless/Headless.h>
+#include <cstdio>
+int main() {
+    const zr::headless::Platform platform;
+    const auto slider = zr::make<zr::SplitSliderView>(zr::NSMakeRect(0, 0, 600, 61));
+    const auto picture = zr::KitImage("SliderTrimLeft");
+    std::printf("%s %d %s %g\\n", zr::KitLocalizedString("Cancel").c_str(), picture != nullptr,
+                slider->selectionItem() ? "slider" : "nothing", ZRUIKitVersionNumber);
+}
+""")
+    (folder / "CMakeLists.txt").write_text("""cmake_minimum_required(VERSION 3.25)
+project(whole LANGUAGES CXX)
+find_package(ZRUIKit 1 REQUIRED COMPONENTS Headless)
+add_executable(host host.cpp)
+target_link_libraries(host PRIVATE ZRUIKit::Headless)
+install(TARGETS host)
+""")
+    configure(folder, folder / "host", f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_INSTALL_PREFIX={prefix}")
+    run("ninja", "-C", folder / "host", "install")
+    said = run(prefix / "bin/host", LC_ALL="C.UTF-8", LANGUAGE="en")
+    assert said == "Cancel 1 slider 1\n", said
+    assert "ZRUIKit" not in run("ldd", prefix / "bin/host")
+    # The same by pkg-config.
+    flags = run("pkg-config", "--cflags", "--libs", "zruikit-headless",
+                PKG_CONFIG_PATH=str(next(prefix.rglob("pkgconfig")))).split()
+    run("g++", "-std=c++20", folder / "host.cpp", "-o", prefix / "bin/by_pkg_config", *flags)
+    assert run(prefix / "bin/by_pkg_config", LC_ALL="C.UTF-8", LANGUAGE="en") == said
+
+
+with tempfile.TemporaryDirectory(prefix="zruikit-building-") as name:
+    {"Subproject": subproject, "Static": static}[group](pathlib.Path(name).resolve())
+print(f"{group}: built, and looked at")
