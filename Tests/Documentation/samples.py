@@ -8,7 +8,8 @@ here. A comment "given:" right before a block holds what its reader has already.
 sample prints; without one it prints nothing.
 
 samples.py generate FOLDER PAGE...   a source and what it prints for each sample; writes "name=system" for each
-samples.py run PROGRAM EXPECTED      fails where the program does, and where it prints anything else"""
+samples.py run PROGRAM EXPECTED      fails where the program does, and where it prints anything else
+samples.py names SOURCE              fails where a page that lists all of something lacks one of them"""
 
 import difflib
 import pathlib
@@ -93,4 +94,29 @@ def run(program, expected):
         sys.exit(f"it ends with {result.returncode}")
 
 
-{"generate": generate, "run": run}[sys.argv[1]](*sys.argv[2:])
+PROTOCOLS = re.compile(r"^class (?:\w+ )?(?:\w*(?:Delegate|DataSource)|MASPreferencesViewController|FileItem|DDLogger) \{\n(.*?)^\};",
+                       re.DOTALL | re.MULTILINE)
+
+
+def names(source):
+    source = pathlib.Path(source)
+    rooms = [source / room for room in ("Platform/Foundation", "Platform/AppKit", "Platform/HostLibraries", "Classes")]
+
+    def found(pattern, suffix):
+        return {name for room in rooms for file in room.rglob(suffix) for name in re.findall(pattern, file.read_text())}
+
+    messages = {name for room in rooms for header in room.rglob("*.h") for body in PROTOCOLS.findall(header.read_text())
+                for name in re.findall(r"virtual [^~;{]*?(\w+)\(", body)}
+    lists = {
+        "delegates.md": messages,
+        "notifications.md": found(r"inline const NSNotificationName (\w+)", "*.h"),
+        "target-action.md": found(r'actionNamed<&\w+::\w+>\("(\w+:)"\)', "*.cpp") - {"pressed:"},  # of alerts alone
+    }
+    for page, wanted in lists.items():
+        text = (source / "Documentation" / page).read_text()
+        missing = sorted(name for name in wanted if not re.search(rf"\b{name}(?!\w)", text))
+        if not wanted or missing:
+            sys.exit(f"{page} lacks {', '.join(missing)}" if wanted else f"nothing was found that {page} could list")
+
+
+{"generate": generate, "run": run, "names": names}[sys.argv[1]](*sys.argv[2:])
