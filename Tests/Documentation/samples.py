@@ -94,8 +94,8 @@ def run(program, expected):
         sys.exit(f"it ends with {result.returncode}")
 
 
-PROTOCOLS = re.compile(r"^class (?:\w+ )?(?:\w*(?:Delegate|DataSource)|MASPreferencesViewController|FileItem|DDLogger) \{\n(.*?)^\};",
-                       re.DOTALL | re.MULTILINE)
+PROTOCOLS = re.compile(r"^class (?:\w+ )?(?:\w*(?:Delegate|DataSource)|MASPreferencesViewController|FileItem|DDLogger) \{\n"
+                       r"(.*?)^\};", re.DOTALL | re.MULTILINE)
 
 
 def names(source):
