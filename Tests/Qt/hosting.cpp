@@ -790,6 +790,28 @@ TEST_F(QtHostingFocus, TabStopsAtTheViewWhereItsWidgetSaysSo) {
     EXPECT_EQ(window_->firstResponder(), window_.get());
 }
 
+TEST_F(QtHostingFocus, TabStopsAtFieldsAndButtonsInAViewInTheOrderInWhichTheyCameIn) {
+    const auto name = make<NSTextField>(NSMakeRect(10, 40, 80, 24));
+    const auto drawn = pad(20, 20);
+    drawn->accepts = true;
+    const auto button = NSButton::buttonWithTitle_target_action("Press", nullptr, "");
+    button->setFrame({{10, 10}, {80, 24}});
+    view_->addSubview(button);
+    view_->addSubview(drawn);
+    view_->addSubview(name);
+    name->setNextKeyView(button);
+    settle();
+    clickField();
+    type(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), button.get());
+    type(Qt::Key_Tab);
+    EXPECT_EQ(window_->firstResponder(), name.get());
+    type(Qt::Key_Tab);
+    EXPECT_TRUE(field_->hasFocus());
+    type(Qt::Key_Backtab);
+    EXPECT_EQ(window_->firstResponder(), name.get());
+}
+
 TEST_F(QtHostingFocus, TheKitCanGiveTheKeyboardToAHostsWidget) {
     clickView();
     const auto anchor = viewOf(field_);
