@@ -6,6 +6,7 @@ Arguments: Subproject | Static, the source folder."""
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -29,13 +30,10 @@ def configure(project, build, *options, **environment):
 def subproject(folder):
     """The kit in another's project, on a machine that has no media libraries: it configures, what it adds is the kit alone,
     its warnings are nobody's errors, and what it wants installed does not come into the project's own installation."""
-    (folder / "kit").symlink_to(source)
-    (folder / "CMakeLists.txt").write_text("""cmake_minimum_required(VERSION 3.25)
-project(whole LANGUAGES CXX)
-add_subdirectory(kit)
-add_executable(host host.cpp)
-target_link_libraries(host PRIVATE ZRUIKit::Qt)
-add_library(own own.cpp)
+    (folder / "ZRUIKit").symlink_to(source)
+    page = (source / "Documentation/building.md").read_text()
+    lines = next(block for block in re.findall(r"```cmake\n(.*?)```", page, re.DOTALL) if "add_subdirectory" in block)
+    (folder / "CMakeLists.txt").write_text(lines + """add_library(own own.cpp)
 file(GENERATE OUTPUT kind.txt CONTENT "$<TARGET_PROPERTY:own,TYPE>")
 install(TARGETS host)
 """)
@@ -54,8 +52,9 @@ install(TARGETS host)
     assert not any("-Werror" in entry["command"] for entry in commands), "the kit's warnings end another's build"
     assert (build / "kind.txt").read_text() == "STATIC_LIBRARY", "the kit decides how another's libraries are built"
     run("ninja", "-C", build, "zr_base")
-    installs = "".join(script.read_text() for script in build.rglob("cmake_install.cmake"))
-    assert "host" in installs and "ZRUIKit" not in installs.replace("kit/cmake_install", ""), "the kit installs itself"
+    scripts = "".join(script.read_text() for script in build.rglob("cmake_install.cmake"))
+    installed = re.findall(r"^ *file\(INSTALL .*", scripts, re.MULTILINE)
+    assert len(installed) == 1 and '"/host"' in installed[0].replace(str(build), ""), f"the kit installs itself: {installed}"
 
 
 def static(folder):

@@ -41,10 +41,10 @@ windows: 0
 
 ADAPTOR_SAYS = """\
 shown: Elsewhere
-key: 1, slider: 400 by 61
+key: 1, 400 by 61
 draws: 1, the same when asked itself: 1
-dragged to: 125
-closed
+dragged to: 131.579
+gone
 """
 
 
@@ -75,22 +75,23 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
         missing = {header for header in headers if header.startswith(umbrella + "/") and f"<{header}>" not in text}
         assert missing == {f"{umbrella}/{umbrella}.h"}, f"<{umbrella}/{umbrella}.h> has not {missing}"
 
-    # The README's hosts, by the README's own lines.
+    # The README's hosts, by the README's own lines, of which the second block goes on where the first ends.
     readme = (source / "README.md").read_text()
     blocks = {kind: re.findall(rf"```{kind}\n(.*?)```", readme, re.DOTALL) for kind in ("cpp", "cmake")}
-    names = ["host", "embedding_host"]
+    names = ["host.cpp", "embedding_host.cpp"]
     assert len(blocks["cpp"]) == len(blocks["cmake"]) == len(names), "the README shows other hosts than these"
-    for name, host, lines in zip(names, blocks["cpp"], blocks["cmake"]):
-        (folder / name).mkdir()
-        (folder / name / "host.cpp").write_text(host)
-        (folder / name / "CMakeLists.txt").write_text(lines)
+    hosts = folder / "hosts"
+    hosts.mkdir()
+    for name, host in zip(names, blocks["cpp"]):
+        (hosts / name).write_text(host)
+    (hosts / "CMakeLists.txt").write_text("".join(blocks["cmake"]))
     # A host of Qt's widgets that looks at itself, and a window system of the host's own.
-    projects = {**{name: folder / name for name in names}, "consumer": source / "Tests/EndToEnd/Consumer"}
-    for name, project in projects.items():
+    for name, project in {"hosts": hosts, "consumer": source / "Tests/EndToEnd/Consumer"}.items():
         # A linker that forgets libraries of which the program itself calls nothing, as many distributions have it.
         run("cmake", "-S", project, "-B", folder / f"build_{name}", "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
             "-DCMAKE_EXE_LINKER_FLAGS=-Wl,--as-needed")
         run("cmake", "--build", folder / f"build_{name}")
+    assert (folder / "build_hosts/embedding_host").is_file()
     targets = "".join(script.read_text() for script in prefix.rglob("ZRUIKit*Targets.cmake"))
     named = set(re.findall(r"add_library\((\S+) ", targets))
     assert named == {f"ZRUIKit::{name}" for name in ("Kit", "Headless", "Port", "Qt")}, named
@@ -110,7 +111,7 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
             assert f'error "ZRUIKit needs {wanted}' in text or f"error: \"ZRUIKit needs {wanted}" in text, f"{compiler} {flag}: {text}"
 
     with Desktop() as desktop:
-        host = desktop.start([str(folder / "build_host/host")], env=desktop.environment)
+        host = desktop.start([str(folder / "build_hosts/host")], env=desktop.environment)
         window = wait_until("the host's window", lambda: desktop.run("xdotool", "search", "--onlyvisible", "--pid", str(host.pid)).split())
         desktop.ask_to_close(window[0])
         assert host.wait(DEADLINE) == 0, "the first host of the README does not end with its window"

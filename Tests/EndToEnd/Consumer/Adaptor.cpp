@@ -22,7 +22,7 @@ struct Blank final : Bitmap {
 
 struct View final : ViewPeer {
     explicit View(ViewClient& given) : client(given) {}
-    void setFrame(const zr::Rect& given) override { frame = given; }
+    void setFrame(const zr::Rect&) override {}
     void setHidden(bool) override {}
     void raise() override {}
     void invalidate() override {}
@@ -30,11 +30,11 @@ struct View final : ViewPeer {
     void setName(const std::string&) override {}
 
     ViewClient& client;
-    zr::Rect frame{};
 };
 
 struct Window final : WindowPeer {
     Window(WindowClient& given, zr::Size size) : client(given), contentSize(size) {}
+    ~Window() override { std::puts("gone"); }
     void show(bool) override {
         std::printf("shown: %s\n", title.c_str());
         client.peerKeyChanged(true);
@@ -128,8 +128,8 @@ int main() {
     window->setTitle("Elsewhere");
     window->setContentView(slider);
     window->makeKeyAndOrderFront(nullptr);
-    std::printf("key: %d, slider: %g by %g\n", window->isKeyWindow(), system.content->frame.size.width,
-                system.content->frame.size.height);
+    std::printf("key: %d, %g by %g\n", window->isKeyWindow(), system.window->contentSize.width,
+                system.window->contentSize.height);
 
     OperationList list;
     system.content->client.peerDraw(list, {{0, 0}, {400, 61}});
