@@ -3,6 +3,7 @@
 
 #include <AppKit/NSResponder.h>
 #include <Base/Colour.h>
+#include <Foundation/Unretained.h>
 
 #include <deque>
 #include <functional>
@@ -49,7 +50,9 @@ public:
     static NSApplication& sharedApplication();
 
     std::shared_ptr<NSApplicationDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(std::weak_ptr<NSApplicationDelegate> delegate) { delegate_ = std::move(delegate); }
+    void setDelegate(const Unretained<NSApplicationDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[NSApplication setDelegate:]");
+    }
 
     void run();                       // until terminate
     void terminate(NSObject* sender); // asks the delegate; an action too: "terminate:"
