@@ -3,6 +3,7 @@
 
 #include <AppKit/NSControl.h>
 #include <Base/Compiler.h>
+#include <Foundation/Unretained.h>
 #include <ZRUIKit/SliderSelectionItem.h>
 
 #include <cstdint>
@@ -50,7 +51,9 @@ public:
 
     // Not retained; null once the delegate is gone.
     std::shared_ptr<SliderViewDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(std::weak_ptr<SliderViewDelegate> delegate) { delegate_ = std::move(delegate); }
+    void setDelegate(const Unretained<SliderViewDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[BaseSliderView setDelegate:]");
+    }
 
     // The range is [dMinValue, dMinValue + dLength], at first 0 to 1000. Setting them does not draw.
     double dMinValue() const { return dMinValue_; }

@@ -84,7 +84,7 @@ void MASPreferencesWindowController::awakeFromNib() {
 
 void MASPreferencesWindowController::dealloc() {
     observers_.clear();
-    if (isWindowLoaded()) window()->setDelegate(std::weak_ptr<NSWindowDelegate>());
+    if (isWindowLoaded()) window()->setDelegate(nullptr);
     NSWindowController::dealloc();
 }
 

@@ -73,7 +73,8 @@ void SWTimeEditView::controlTextDidBeginEditing(const NSNotification&) {
 void SWTimeEditView::controlTextDidChange(const NSNotification&) { bTextChanged_ = true; }
 
 std::optional<bool> SWTimeEditView::control_textShouldEndEditing(NSControl&, NSTextField&) {
-    if (!delegate_ || delegate_->SWTimeEditView_isValid(*this, secondsValue())) return true;
+    const auto delegate = this->delegate();
+    if (!delegate || delegate->SWTimeEditView_isValid(*this, secondsValue())) return true;
     const std::string title = AppLocalizedString("WrongTimeInput");
     const std::string ok = AppLocalizedString("OK");
     NSRunAlertPanel(title, "", ok, std::nullopt, std::nullopt);
@@ -82,7 +83,8 @@ std::optional<bool> SWTimeEditView::control_textShouldEndEditing(NSControl&, NST
 }
 
 void SWTimeEditView::controlTextDidEndEditing(const NSNotification&) {
-    if (bTextChanged_ && delegate_) delegate_->SWTimeEditView_didChangeValue(*this, secondsValue());
+    const auto delegate = this->delegate();
+    if (bTextChanged_ && delegate) delegate->SWTimeEditView_didChangeValue(*this, secondsValue());
     bTextChanged_ = false;
 }
 

@@ -3,6 +3,7 @@
 
 #include <AppKit/NSTextField.h>
 #include <Base/Compiler.h>
+#include <Foundation/Unretained.h>
 
 #include <memory>
 
@@ -33,9 +34,11 @@ public:
     // Makes the three fields, in place of any that there are, for the size that the view has now.
     void awakeFromNib() override;
 
-    // Not retained, and not cleared: to be set to nil before the delegate goes.
-    SWTimeEditViewDelegate* delegate() const { return delegate_; }
-    void setDelegate(SWTimeEditViewDelegate* delegate) { delegate_ = delegate; }
+    // Not retained; null once the delegate is gone.
+    std::shared_ptr<SWTimeEditViewDelegate> delegate() const { return delegate_.lock(); }
+    void setDelegate(const Unretained<SWTimeEditViewDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[SWTimeEditView setDelegate:]");
+    }
 
     // Shows the whole seconds of the duration, each field with two digits at least. Tells nobody.
     void flushWithSeconds(double seconds);
@@ -64,7 +67,7 @@ protected:
     std::shared_ptr<NSTextField> lblSecond_;
     bool bTextChanged_ = false;
     double lastEnterValue_ = 0;
-    SWTimeEditViewDelegate* delegate_ = nullptr;
+    std::weak_ptr<SWTimeEditViewDelegate> delegate_;
 };
 
 } // namespace zr

@@ -45,8 +45,8 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
     if (describes) // sheets and alerts, too, may be typed into from then on
         keyWindowObserver_ = NSNotificationCenter::defaultCenter().addObserverForName_object_usingBlock(
             NSWindowDidBecomeKeyNotification, nullptr, [describe](const NSNotification&) { describe(); });
-    editor_->startField()->setDelegate(this);
-    editor_->lengthField()->setDelegate(this);
+    editor_->startField()->setDelegate(retained(this));
+    editor_->lengthField()->setDelegate(retained(this));
     editor_->slider()->setDidDraw(describe);
     editor_->positionSlider()->setDidDraw(describe);
     editor_->positionSlider()->setDelegate(retained(this));
@@ -72,9 +72,6 @@ bool TrimWindow::initWithPath_describes(const std::filesystem::path& path, bool 
 void TrimWindow::dealloc() {
     jobs_->cancelled = true;
     if (saving_) saving_->abandon();
-    // They do not hold their delegate.
-    editor_->startField()->setDelegate(nullptr);
-    editor_->lengthField()->setDelegate(nullptr);
     NSObject::dealloc();
 }
 

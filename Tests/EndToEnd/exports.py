@@ -28,19 +28,17 @@ def marked():
     names = set()
     for header in headers.rglob("*.h"):
         namespaces = []
-        forward = False  # within a namespace of forward declarations, which ends with a bare brace
-        for line in header.read_text().splitlines():
+        opened_at = 0
+        for number, line in enumerate(header.read_text().splitlines()):
             if opened := re.match(r"namespace ([\w:]+) \{(.*)", line):
                 if not opened[2].endswith("}"):
                     namespaces.append(opened[1])
-                    forward = True
-            elif line.startswith("} // namespace") or line == "}" and forward:
+                    opened_at = number
+            # The formatter leaves the end of a namespace of one line without a comment.
+            elif line.startswith("} // namespace") or line == "}" and number == opened_at + 2:
                 namespaces.pop()
             elif found := re.match(r"(?:class|struct) ZR_EXPORT (\w+)", line) or re.match(r"ZR_EXPORT .*?(\w+)\(", line):
                 names.add("::".join([*namespaces, found[1]]))
-                forward = False
-            elif not re.match(r"(class|struct) \w+;", line):
-                forward = False
     return names
 
 

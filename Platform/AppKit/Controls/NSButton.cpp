@@ -22,7 +22,7 @@ NSButton::NSButton() = default;
 NSButton::~NSButton() = default;
 
 std::shared_ptr<NSButton> NSButton::buttonWithTitle_target_action(const std::string& title,
-                                                                  const std::shared_ptr<NSObject>& target,
+                                                                  const Unretained<NSObject>& target,
                                                                   const SEL& action) {
     auto button = make<NSButton>();
     button->setTitle(title);

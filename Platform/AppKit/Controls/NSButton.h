@@ -20,7 +20,7 @@ public:
     ~NSButton() override;
 
     static std::shared_ptr<NSButton> buttonWithTitle_target_action(const std::string& title,
-                                                                   const std::shared_ptr<NSObject>& target,
+                                                                   const Unretained<NSObject>& target,
                                                                    const SEL& action);
 
     bool initWithCoder(NSCoder& coder) override;

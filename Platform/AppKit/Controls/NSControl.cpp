@@ -21,9 +21,9 @@ void NSControl::setEnabled(bool enabled) {
     setNeedsDisplay(true);
 }
 
-void NSControl::setTarget(const std::shared_ptr<NSObject>& target) {
-    target_ = target;
-    hasTarget_ = target != nullptr;
+void NSControl::setTarget(const Unretained<NSObject>& target) {
+    target_ = target.givenTo("-[NSControl setTarget:]");
+    hasTarget_ = target.isGiven();
 }
 
 bool NSControl::sendAction_to(const SEL& action, NSObject* target) {

@@ -4,6 +4,7 @@
 #include <AppKit/NSFont.h>
 #include <AppKit/NSView.h>
 #include <Base/Compiler.h>
+#include <Foundation/Unretained.h>
 
 namespace zr {
 
@@ -20,7 +21,7 @@ public:
     // Not retained. Without a target the action goes along the responder chain; without an action nothing is
     // sent.
     NSObject* target() const { return target_.lock().get(); }
-    void setTarget(const std::shared_ptr<NSObject>& target);
+    void setTarget(const Unretained<NSObject>& target);
     const SEL& action() const { return action_; }
     void setAction(const SEL& action) { action_ = action; }
     bool sendAction_to(const SEL& action, NSObject* target);

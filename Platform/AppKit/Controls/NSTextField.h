@@ -5,6 +5,7 @@
 #include <AppKit/NSControl.h>
 #include <Base/Compiler.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/Unretained.h>
 
 #include <memory>
 #include <optional>
@@ -70,7 +71,9 @@ public:
 
     // Not retained.
     std::shared_ptr<NSTextFieldDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(std::weak_ptr<NSTextFieldDelegate> delegate) { delegate_ = std::move(delegate); }
+    void setDelegate(const Unretained<NSTextFieldDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[NSTextField setDelegate:]");
+    }
 
     // During an editing, the text as edited so far. Setting it replaces that: the next key begins a new
     // editing.

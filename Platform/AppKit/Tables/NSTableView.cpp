@@ -57,8 +57,8 @@ bool NSTableView::initWithCoder(NSCoder& coder) {
     return true;
 }
 
-void NSTableView::setDataSource(std::weak_ptr<NSTableViewDataSource> source) {
-    dataSource_ = std::move(source);
+void NSTableView::setDataSource(const Unretained<NSTableViewDataSource>& source) {
+    dataSource_ = source.givenTo("-[NSTableView setDataSource:]");
     rowCount_.reset();
     setNeedsLayout(true);
 }

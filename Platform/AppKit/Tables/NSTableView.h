@@ -7,6 +7,7 @@
 #include <Base/Compiler.h>
 #include <Foundation/NSIndexSet.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/Unretained.h>
 
 #include <memory>
 #include <optional>
@@ -64,9 +65,11 @@ public:
 
     // Not retained. The rows are counted before the next drawing, or when they are asked for.
     std::shared_ptr<NSTableViewDataSource> dataSource() const { return dataSource_.lock(); }
-    void setDataSource(std::weak_ptr<NSTableViewDataSource> source);
+    void setDataSource(const Unretained<NSTableViewDataSource>& source);
     std::shared_ptr<NSTableViewDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(std::weak_ptr<NSTableViewDelegate> delegate) { delegate_ = std::move(delegate); }
+    void setDelegate(const Unretained<NSTableViewDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[NSTableView setDelegate:]");
+    }
 
     // Counts the rows, and asks again for the texts that are seen. The selection keeps its row numbers, without
     // those that are no more; whoever follows it is told only if that changed it.

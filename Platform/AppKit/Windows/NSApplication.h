@@ -4,6 +4,7 @@
 #include <AppKit/NSResponder.h>
 #include <Base/Colour.h>
 #include <Base/Compiler.h>
+#include <Foundation/Unretained.h>
 
 #include <deque>
 #include <functional>
@@ -50,7 +51,9 @@ public:
     static NSApplication& sharedApplication();
 
     std::shared_ptr<NSApplicationDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(std::weak_ptr<NSApplicationDelegate> delegate) { delegate_ = std::move(delegate); }
+    void setDelegate(const Unretained<NSApplicationDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[NSApplication setDelegate:]");
+    }
 
     void run();                       // until terminate
     void terminate(NSObject* sender); // asks the delegate; an action too: "terminate:"

@@ -4,6 +4,7 @@
 #include <AppKit/NSEvent.h>
 #include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/Unretained.h>
 
 #include <functional>
 #include <memory>
@@ -38,7 +39,7 @@ public:
     // Nobody: whoever is first to take the action along the responder chain of the window in whose menu bar it
     // was chosen or, for a key, of the key window.
     std::shared_ptr<NSObject> target() const { return target_.lock(); }
-    void setTarget(const std::shared_ptr<NSObject>& target) { target_ = target; }
+    void setTarget(const Unretained<NSObject>& target) { target_ = target.givenTo("-[NSMenuItem setTarget:]"); }
     const std::string& keyEquivalent() const { return keyEquivalent_; }
     unsigned keyEquivalentModifierMask() const { return keyEquivalentModifierMask_; }
     void setKeyEquivalentModifierMask(unsigned mask) { keyEquivalentModifierMask_ = mask; }

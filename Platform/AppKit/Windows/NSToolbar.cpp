@@ -35,8 +35,8 @@ bool NSToolbar::initWithCoder(NSCoder& coder) {
     return initWithIdentifier(coder.decodeStringForKey("NSToolbarIdentifier").value_or(""));
 }
 
-void NSToolbar::setDelegate(const std::weak_ptr<NSToolbarDelegate>& delegate) {
-    delegate_ = delegate;
+void NSToolbar::setDelegate(const Unretained<NSToolbarDelegate>& delegate) {
+    delegate_ = delegate.givenTo("-[NSToolbar setDelegate:]");
     items_.clear();
     loaded_ = false;
     if (inWindow_) tellPeer();

@@ -3,6 +3,7 @@
 
 #include <Base/Compiler.h>
 #include <Foundation/NSObject.h>
+#include <Foundation/Unretained.h>
 
 #include <memory>
 #include <optional>
@@ -37,7 +38,9 @@ public:
     const std::shared_ptr<NSImage>& image() const { return image_; }
     void setImage(const std::shared_ptr<NSImage>& image) { image_ = image; }
     std::shared_ptr<NSObject> target() const { return target_.lock(); }
-    void setTarget(const std::weak_ptr<NSObject>& target) { target_ = target; }
+    void setTarget(const Unretained<NSObject>& target) {
+        target_ = target.givenTo("-[NSToolbarItem setTarget:]");
+    }
     const SEL& action() const { return action_; }
     void setAction(const SEL& action) { action_ = action; }
 
@@ -78,7 +81,7 @@ public:
 
     const std::string& identifier() const { return identifier_; }
     std::shared_ptr<NSToolbarDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(const std::weak_ptr<NSToolbarDelegate>& delegate);
+    void setDelegate(const Unretained<NSToolbarDelegate>& delegate);
     const std::vector<std::shared_ptr<NSToolbarItem>>& items();
 
     // The item that is marked. Setting it sends no action; one that is not there marks none.

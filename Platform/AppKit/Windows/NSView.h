@@ -4,6 +4,7 @@
 #include <AppKit/NSResponder.h>
 #include <Base/Compiler.h>
 #include <Base/Geometry.h>
+#include <Foundation/Unretained.h>
 
 #include <memory>
 #include <string>
@@ -101,7 +102,9 @@ public:
 
     // Where Tab goes from here; by itself, the next view in the order of the subviews. Not retained.
     NSView* nextKeyView() const { return nextKeyView_.lock().get(); }
-    void setNextKeyView(const std::shared_ptr<NSView>& view) { nextKeyView_ = view; }
+    void setNextKeyView(const Unretained<NSView>& view) {
+        nextKeyView_ = view.givenTo("-[NSView setNextKeyView:]");
+    }
     // Visible, and wants the keyboard.
     bool canBecomeKeyView() const { return acceptsFirstResponder() && host_ && !isHiddenOrHasHiddenAncestor(); }
     // Whether people come to it to type or to choose with the keys, as to fields and lists. False.

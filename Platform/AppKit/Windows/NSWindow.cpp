@@ -26,11 +26,11 @@ struct NSWindow::Client final : port::WindowClient, ViewHost, WindowFrame::Owner
     explicit Client(NSWindow& owner) : self(owner) {}
 
     // Whoever is called may let go of the window.
-    template <class Act>
-    auto holding(const Act& act) {
+    template <class Act, class... Arguments>
+    auto holding(const Act& act, Arguments... arguments) {
         const auto held = retained(&self);
         if constexpr (std::is_member_function_pointer_v<Act>)
-            return (self.*act)();
+            return (self.*act)(arguments...);
         else
             return act();
     }
@@ -45,9 +45,7 @@ struct NSWindow::Client final : port::WindowClient, ViewHost, WindowFrame::Owner
     void peerUpdate() override { holding(&NSWindow::update); }
     bool peerShouldClose() override { return self.shouldClose(); }
     void peerClosed() override { self.wasClosed(); }
-    void peerKeyChanged(bool key) override {
-        holding([&] { self.keyChanged(key); });
-    }
+    void peerKeyChanged(bool key) override { holding(&NSWindow::keyChanged, key); }
     void peerMoved() override {
         holding([&] { self.frame_->moved(); });
     }
@@ -371,7 +369,9 @@ bool NSWindow::makeFirstResponder(NSResponder* responder) {
 }
 
 NSView* NSWindow::initialFirstResponder() const { return focus_->initial(); }
-void NSWindow::setInitialFirstResponder(const std::weak_ptr<NSView>& view) { focus_->setInitial(view); }
+void NSWindow::setInitialFirstResponder(const Unretained<NSView>& view) {
+    focus_->setInitial(view.givenTo("-[NSWindow setInitialFirstResponder:]"));
+}
 
 void NSWindow::endEditingFor(NSObject*) {
     const auto held = retained(this);

@@ -5,6 +5,7 @@
 #include <Base/Compiler.h>
 #include <Base/Geometry.h>
 #include <Foundation/NSNotification.h>
+#include <Foundation/Unretained.h>
 
 #include <functional>
 #include <memory>
@@ -81,7 +82,9 @@ public:
     NSView* contentView() const { return contentView_.get(); }
     void setContentView(const std::shared_ptr<NSView>& view); // takes the content's size; nil: an empty view
     std::shared_ptr<NSWindowDelegate> delegate() const { return delegate_.lock(); }
-    void setDelegate(std::weak_ptr<NSWindowDelegate> delegate) { delegate_ = std::move(delegate); }
+    void setDelegate(const Unretained<NSWindowDelegate>& delegate) {
+        delegate_ = delegate.givenTo("-[NSWindow setDelegate:]");
+    }
 
     // The whole window with its title bar, menu bar and toolbar; borders beside and below the content do not
     // count. Screen coordinates: points, y up, origin at the lower left of the primary screen. How high a title
@@ -138,7 +141,7 @@ public:
     // Becomes first responder when the window is first shown, unless another view is already. Without one the
     // first view of the content does that needs the keyboard, as fields and lists do.
     NSView* initialFirstResponder() const;
-    void setInitialFirstResponder(const std::weak_ptr<NSView>& view);
+    void setInitialFirstResponder(const Unretained<NSView>& view);
 
     // Ends the editing of a field of this window without asking its delegate, and makes the window first
     // responder.

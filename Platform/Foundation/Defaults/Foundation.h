@@ -19,3 +19,4 @@
 #include <Foundation/NSURL.h>
 #include <Foundation/NSUserDefaults.h>
 #include <Foundation/PropertyList.h>
+#include <Foundation/Unretained.h>

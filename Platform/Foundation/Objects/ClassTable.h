@@ -71,6 +71,41 @@ ZR_EXPORT const ClassTable* NSClassFromString(std::string_view name);
 
 namespace detail {
 
+// An entry, and the class whose method it names.
+template <class Entry, class Owner>
+struct EntryOf : Entry {};
+
+// An entry of the table of a class.
+template <class Entry, class Class>
+struct EntryFor : Entry {
+    template <class Owner>
+    EntryFor(const EntryOf<Entry, Owner>& entry) : Entry(entry) {
+        static_assert(std::is_base_of_v<Owner, Class>,
+                      "a class table names a method of a class from which its own does not derive");
+    }
+};
+
+// What ZR_CLASS_TABLE writes: a ClassTable whose entries are looked at by the compiler.
+template <class Class, class Superclass>
+struct TableOf {
+    static_assert(std::is_base_of_v<Superclass, Class>,
+                  "a class table names a superclass from which its class does not derive");
+    std::string_view name;
+    std::shared_ptr<NSObject> (*make)(NSCoder* coder) = nullptr;
+    std::vector<EntryFor<Action, Class>> actions{};
+    std::vector<EntryFor<Outlet, Class>> outlets{};
+    std::vector<EntryFor<Attribute, Class>> attributes{};
+
+    ClassTable table() const {
+        return {name,
+                &Superclass::classTable(),
+                make,
+                {actions.begin(), actions.end()},
+                {outlets.begin(), outlets.end()},
+                {attributes.begin(), attributes.end()}};
+    }
+};
+
 template <class Member>
 struct SetterOf;
 template <class T, class Result, class Value>
@@ -114,46 +149,51 @@ Number narrowed(double value) {
 
 // actionNamed<&Pane::addFolderDown>("addFolderDown:")
 template <auto Method>
-Action actionNamed(std::string_view selector) {
-    using Setter = detail::SetterOf<decltype(Method)>;
-    static_assert(std::is_same_v<typename Setter::Argument, NSObject*>, "an action takes its sender");
-    return {selector, [](NSObject& receiver, NSObject* sender) {
-                (static_cast<typename Setter::Owner&>(receiver).*Method)(sender);
-            }};
+auto actionNamed(std::string_view selector) {
+    using Traits = detail::SetterOf<decltype(Method)>;
+    using Owner = typename Traits::Owner;
+    static_assert(std::is_same_v<typename Traits::Argument, NSObject*>, "an action takes its sender");
+    return detail::EntryOf<Action, Owner>{{selector, [](NSObject& receiver, NSObject* sender) {
+                                               (static_cast<Owner&>(receiver).*Method)(sender);
+                                           }}};
 }
 
 // outletNamed<&BaseSliderView::setDelegate>("delegate")
 template <auto Setter>
-Outlet outletNamed(std::string_view name) {
+auto outletNamed(std::string_view name) {
     using Traits = detail::SetterOf<decltype(Setter)>;
+    using Owner = typename Traits::Owner;
     using Kind = typename Traits::Argument::element_type;
-    return {name,
-            [](NSObject& owner, const std::shared_ptr<NSObject>& value) {
-                auto object = std::dynamic_pointer_cast<Kind>(value);
-                if (value && !object) return false;
-                (static_cast<typename Traits::Owner&>(owner).*Setter)(object);
-                return true;
-            },
-            [](const std::shared_ptr<NSObject>& value) {
-                return !value || std::dynamic_pointer_cast<Kind>(value) != nullptr;
-            }};
+    return detail::EntryOf<Outlet, Owner>{{name,
+                                           [](NSObject& owner, const std::shared_ptr<NSObject>& value) {
+                                               auto object = std::dynamic_pointer_cast<Kind>(value);
+                                               if (value && !object) return false;
+                                               (static_cast<Owner&>(owner).*Setter)(object);
+                                               return true;
+                                           },
+                                           [](const std::shared_ptr<NSObject>& value) {
+                                               return !value ||
+                                                      std::dynamic_pointer_cast<Kind>(value) != nullptr;
+                                           }}};
 }
 
 // attributeNamed<&BaseSliderView::setSliderXOffset>("sliderXOffset")
 template <auto Setter>
-Attribute attributeNamed(std::string_view name) {
+auto attributeNamed(std::string_view name) {
     using Traits = detail::SetterOf<decltype(Setter)>;
+    using Owner = typename Traits::Owner;
     using Argument = typename Traits::Argument;
-    return {name, [](NSObject& object, const RuntimeValue& value) {
-                const auto* given = detail::attributeValue<Argument>(value);
-                if (!given) return false;
-                auto& owner = static_cast<typename Traits::Owner&>(object);
-                if constexpr (std::is_arithmetic_v<Argument> && !std::is_same_v<Argument, bool>)
-                    (owner.*Setter)(detail::narrowed<Argument>(*given));
-                else
-                    (owner.*Setter)(static_cast<Argument>(*given));
-                return true;
-            }};
+    return detail::EntryOf<Attribute, Owner>{{name, [](NSObject& object, const RuntimeValue& value) {
+                                                  const auto* given = detail::attributeValue<Argument>(value);
+                                                  if (!given) return false;
+                                                  auto& owner = static_cast<Owner&>(object);
+                                                  if constexpr (std::is_arithmetic_v<Argument> &&
+                                                                !std::is_same_v<Argument, bool>)
+                                                      (owner.*Setter)(detail::narrowed<Argument>(*given));
+                                                  else
+                                                      (owner.*Setter)(static_cast<Argument>(*given));
+                                                  return true;
+                                              }}};
 }
 
 } // namespace zr

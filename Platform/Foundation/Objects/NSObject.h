@@ -127,13 +127,13 @@ std::shared_ptr<NSObject> makeByTable(NSCoder* coder) {
     const ::zr::ClassTable& class_() const override { return classTable(); }
 
 // ZR_CLASS_TABLE(SplitSliderView) or ZR_CLASS_TABLE(Pane, .actions = {...}, .outlets = {...}, .attributes =
-// {...})
+// {...}). Each entry names a method of the class or of one that it derives from; others do not compile.
 #define ZR_CLASS_TABLE(Class, ...)                                                                             \
     const ::zr::ClassTable& Class::classTable() {                                                              \
-        static const ::zr::ClassTable table{.name = #Class,                                                    \
-                                            .superclass = &Super::classTable(),                                \
-                                            .make =                                                            \
-                                                &::zr::detail::makeByTable<Class> __VA_OPT__(, ) __VA_ARGS__}; \
+        static const ::zr::ClassTable table =                                                                  \
+            ::zr::detail::TableOf<Class, Super>{                                                               \
+                .name = #Class, .make = &::zr::detail::makeByTable<Class> __VA_OPT__(, ) __VA_ARGS__}          \
+                .table();                                                                                      \
         return table;                                                                                          \
     }
 

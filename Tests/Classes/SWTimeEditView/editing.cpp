@@ -61,7 +61,7 @@ protected:
         view_->lblHour()->setIdentifier("hours");
         view_->lblMinite()->setIdentifier("minutes");
         view_->lblSecond()->setIdentifier("seconds");
-        view_->setDelegate(&judge_);
+        view_->setDelegate(judge_);
         window_ =
             make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, NSMakeRect(0, 0, 200, 60),
                            NSWindowStyleMaskTitled, NSBackingStoreBuffered, false);
@@ -84,7 +84,7 @@ protected:
         view_->lblSecond()->selectText(nullptr);
         user_->type(text);
     }
-    std::vector<std::string> taken() { return std::exchange(judge_.log, {}); }
+    std::vector<std::string> taken() { return std::exchange(judge_->log, {}); }
     // What the alert shows; then it is answered by Return.
     void answerTheAlert() {
         platform_.script([this] {
@@ -99,7 +99,7 @@ protected:
 
     Texts texts_;
     headless::Platform platform_{{.mainBundle = texts_.path()}};
-    Judge judge_;
+    std::shared_ptr<Judge> judge_ = std::make_shared<Judge>();
     std::shared_ptr<SWTimeEditView> view_;
     std::shared_ptr<NSWindow> window_;
     headless::Window* user_ = nullptr;
@@ -237,7 +237,7 @@ TEST_F(TimeEditViewEditing, TabGoesFromFieldToFieldAndBack) {
 }
 
 TEST_F(TimeEditViewEditing, ARefusedValueBringsUpAnAlertAndTheOldValueAndGoesOnEditing) {
-    judge_.limit = 80;
+    judge_->limit = 80;
     view_->flushWithSeconds(65);
     clickSeconds();
     typeOver("30");
@@ -257,7 +257,7 @@ TEST_F(TimeEditViewEditing, ARefusedValueBringsUpAnAlertAndTheOldValueAndGoesOnE
 }
 
 TEST_F(TimeEditViewEditing, AfterARefusalAnotherValueCanBeTypedAndIsReported) {
-    judge_.limit = 80;
+    judge_->limit = 80;
     view_->flushWithSeconds(65);
     clickSeconds();
     typeOver("30");
@@ -270,7 +270,7 @@ TEST_F(TimeEditViewEditing, AfterARefusalAnotherValueCanBeTypedAndIsReported) {
 }
 
 TEST_F(TimeEditViewEditing, TheAlertHasTheApplicationsButtonAlone) {
-    judge_.limit = -1;
+    judge_->limit = -1;
     clickSeconds();
     std::vector<std::string> names;
     std::string button;
