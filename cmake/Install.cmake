@@ -37,10 +37,10 @@ function(zr_pkg_config module target description requires within)
     if(NOT kind STREQUAL INTERFACE_LIBRARY)
         set(libraries "-L\${libdir} -l${target}")
     endif()
-    # Programs link a static library's own libraries themselves.
+    # Programs link a static library's own libraries themselves. Of a shared one nothing is said: even "Requires.private" has to be
+    # installed for as much as a header's place.
     if(kind STREQUAL STATIC_LIBRARY)
         string(APPEND requires " ${within}")
-        set(within "")
     endif()
     configure_file(${PROJECT_SOURCE_DIR}/cmake/pkg-config.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${pkg_config} COMPONENT Development)

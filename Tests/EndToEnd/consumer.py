@@ -105,6 +105,11 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
         *pkg_config("--cflags", "--libs", "zruikit-port"), f"-Wl,-rpath,{prefix / 'lib'}")
     assert run(folder / "by_pkg_config", LC_ALL="C.UTF-8") == ADAPTOR_SAYS
 
+    # A program needs no package of what a shared library is made with.
+    for module in "zruikit", "zruikit-qt", "zruikit-headless", "zruikit-port":
+        others = pkg_config("--print-requires", "--print-requires-private", module)
+        assert not [other for other in others if not other.startswith("zruikit")], f"{module} requires {others}"
+
     for compiler in "g++", "clang++-14":
         for flag, wanted in {"-fno-rtti": "run-time type information", "-fno-exceptions": "exceptions", "-std=c++17": "C++20"}.items():
             text = refused(flag, compiler)
