@@ -98,6 +98,9 @@ with tempfile.TemporaryDirectory(prefix="zruikit-consumer-") as name:
 
     seen = run(folder / "build_consumer/qt_host", QT_QPA_PLATFORM="offscreen", QT_SCALE_FACTOR="1", LC_ALL="C.UTF-8")
     assert seen == KIT_SEES, f"the kit in a host of Qt's widgets sees\n{seen}"
+    needed = run("readelf", "-d", folder / "build_consumer/bare_host")
+    assert "libZRUIKitQt.so.1" in needed and "libZRUIKit.so.1" not in needed, needed
+    run(folder / "build_consumer/bare_host", QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
     said = run(folder / "build_consumer/adaptor", LC_ALL="C.UTF-8")
     assert said == ADAPTOR_SAYS, f"the kit on another window system:\n{said}"
     # The same by pkg-config.
