@@ -3,6 +3,7 @@
 #include <AppKit/NSView.h>
 #include <Foundation/NSBundle.h>
 #include <Foundation/NSGeometry.h>
+#include <Foundation/NSLog.h>
 #include <Foundation/NSNull.h>
 #include <Foundation/NSString.h>
 #include <Foundation/NSUserDefaults.h>
@@ -30,6 +31,10 @@ MASPreferencesViewController* paneOf(const std::shared_ptr<NSObject>& controller
     return dynamic_cast<MASPreferencesViewController*>(controller.get());
 }
 
+bool isPane(const std::shared_ptr<NSObject>& controller) {
+    return paneOf(controller) && dynamic_cast<NSViewController*>(controller.get());
+}
+
 std::string identifierOf(const std::shared_ptr<NSObject>& controller) {
     const auto* const pane = paneOf(controller);
     return pane ? pane->identifier() : std::string();
@@ -54,6 +59,9 @@ bool MASPreferencesWindowController::initWithViewControllers_title(const Control
     if (!initWithWindowNibName("MASPreferencesWindow")) return false;
     viewControllers_ = viewControllers;
     title_ = title;
+    for (const auto& entry : viewControllers)
+        if (entry != NSNull::null() && !isPane(entry))
+            NSLog("-[MASPreferencesWindowController initWithViewControllers:title:]: %@ is no pane", entry);
     return true;
 }
 
@@ -107,6 +115,9 @@ void MASPreferencesWindowController::setSelectedViewController(
     const std::shared_ptr<NSObject>& viewController) {
     const auto held = retained(this);
     const auto next = std::dynamic_pointer_cast<NSViewController>(viewController);
+    const bool isListed = std::ranges::find(viewControllers_, viewController) != viewControllers_.end();
+    if (viewController && !isListed && !isPane(viewController))
+        NSLog("-[MASPreferencesWindowController setSelectedViewController:]: %@ is no pane", viewController);
     if (next == selectedViewController_ || !leaveSelected() || !next) return;
     auto* const pane = paneOf(next);
     const auto window = this->window();
@@ -118,6 +129,8 @@ void MASPreferencesWindowController::setSelectedViewController(
     store(kSelectedKey, identifier);
 
     const auto view = next->view();
+    if (!view)
+        return NSLog("-[MASPreferencesWindowController setSelectedViewController:]: %@ has no view", next);
     const auto saved = NSUserDefaults::standardUserDefaults()->stringForKey(sizeKey(identifier));
     const auto minimum = minimumViewRects_.try_emplace(identifier, NSStringFromRect(view->bounds())).first;
     const NSRect least = NSRectFromString(minimum->second);
@@ -159,6 +172,8 @@ void MASPreferencesWindowController::selectControllerAtIndex(std::uint64_t index
 }
 
 void MASPreferencesWindowController::step(std::uint64_t by) {
+    if (std::ranges::all_of(viewControllers_, [](const auto& entry) { return entry == NSNull::null(); }))
+        return NSLog("A MASPreferencesWindowController is to show another pane, and has none");
     const std::uint64_t count = viewControllers_.size();
     std::uint64_t index = indexOfSelectedController();
     do {

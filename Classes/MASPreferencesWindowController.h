@@ -47,8 +47,8 @@ public:
     ZR_CLASS(MASPreferencesWindowController, NSWindowController)
     using Controllers = std::vector<std::shared_ptr<NSObject>>;
 
-    // Panes in the order of the toolbar; NSNull for a flexible space. Of the title only its emptiness counts:
-    // without one the window has the title of the pane.
+    // Panes in the order of the toolbar; NSNull for a flexible space. The log names what is neither. Of the
+    // title only its emptiness counts: without one the window has the title of the pane.
     virtual bool initWithViewControllers(const Controllers& viewControllers);
     virtual bool initWithViewControllers_title(const Controllers& viewControllers,
                                                const std::optional<std::string>& title);
@@ -65,7 +65,8 @@ public:
     void setSelectedViewController(const std::shared_ptr<NSObject>& viewController);
     // NSNull entries are not filtered; nothing happens where there is no entry.
     void selectControllerAtIndex(std::uint64_t index);
-    // Actions. To the next or previous pane, round and round; only while there is a pane.
+    // Actions. To the next or previous pane, round and round. Where there is none they do nothing but to say so
+    // in the log.
     void goNextTab(NSObject* sender);
     void goPreviousTab(NSObject* sender);
     void toolbarItemDidClick(NSObject* sender); // an unknown item empties the window

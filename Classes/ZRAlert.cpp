@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <AppKit/NSButton.h>
 #include <AppKit/NSView.h>
+#include <Foundation/NSLog.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/ZRAlert.h>
+
+#include <algorithm>
+#include <iterator>
 
 namespace zr {
 
@@ -65,7 +69,11 @@ void ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(
     unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander,
     const BeforeRun& beforeRun) {
     // Whose these are may be gone when the user has answered.
-    const Actions chosen = actions; // NOLINT(performance-unnecessary-copy-initialization)
+    Actions chosen;
+    std::ranges::copy_if(actions, std::back_inserter(chosen),
+                         [](const auto& action) { return action != nullptr; });
+    if (chosen.size() < actions.size())
+        NSLog("+[ZRAlert Actions:title:info:…]: an action that is null is left out");
     const ClickHandler handler = clickHander;
     const auto alert = make<NSAlert>();
     alert->setAlertStyle(static_cast<NSAlertStyle>(alertStyle));

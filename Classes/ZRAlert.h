@@ -53,9 +53,9 @@ public:
     static void Actions_title_info_alertStyle_accessoryView_clickHander(
         const Actions& actions, const std::string& title, const std::optional<std::string>& info,
         unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander);
-    // Buttons in the order of the actions, the first one the default. The block of the action whose button was
-    // pressed runs after the alert has gone, then the click handler with it. `beforeRun` sees the alert with
-    // all its parts, just before it is shown.
+    // Buttons in the order of the actions, the first one the default; null is left out, and named in the log.
+    // The block of the action whose button was pressed runs after the alert has gone, then the click handler
+    // with it. `beforeRun` sees the alert with all its parts, just before it is shown.
     static void Actions_title_info_alertStyle_accessoryView_clickHander_beforeRun(
         const Actions& actions, const std::string& title, const std::optional<std::string>& info,
         unsigned alertStyle, const std::shared_ptr<NSView>& accessoryView, const ClickHandler& clickHander,

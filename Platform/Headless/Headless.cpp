@@ -24,11 +24,12 @@ public:
 } // namespace
 
 Platform::Platform(Options options) : system_(std::make_unique<WholeSystem>(std::move(options))) {
+    // Throws where there is another platform, whose host is to stay.
+    system_->application = &port::install(*system_);
     backend::install({.queues = system_->queues,
                       .mainBundle = system_->options.mainBundle,
                       .preferredLanguages = system_->options.preferredLanguages,
                       .userDefaults = system_->options.userDefaults});
-    system_->application = &port::install(*system_);
 }
 
 Platform::~Platform() {

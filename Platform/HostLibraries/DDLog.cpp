@@ -29,6 +29,7 @@ Log& log() {
 } // namespace
 
 void DDLog::addLogger(const std::shared_ptr<DDLogger>& logger, int level) {
+    if (!logger) return NSLog("+[DDLog addLogger:withLevel:]: the logger is null");
     const std::lock_guard guard(log().lock);
     log().loggers.emplace_back(logger, level);
 }
@@ -64,6 +65,8 @@ void DDLog::flushLog() {
             log().waiting.pop_front();
             loggers = log().loggers;
         }
+        // They have been removed since it was made.
+        if (loggers.empty() && (message.flag & DDLogFlagError) != 0) NSLogText(message.message);
         for (const auto& [logger, level] : loggers)
             if ((message.flag & level) != 0) logger->logMessage(message);
     }

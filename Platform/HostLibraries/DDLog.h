@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/Compiler.h>
+#include <Foundation/NSLog.h>
 #include <Foundation/NSObject.h>
 #include <Foundation/NSString.h>
 
@@ -52,11 +53,12 @@ public:
     virtual void logMessage(const DDLogMessage& message) = 0;
 };
 
-// The log. Records go to every logger whose level has their flag, one at a time and in order; while there are
-// no loggers they are not even made. From any thread, loggers included: what a logger logs is handled after the
-// record it has.
+// The log. Records go to every logger whose level has their flag, one at a time and in order. Nothing is
+// printed until a logger is added: records are not even made then, but for errors, whose messages go to NSLog
+// at once. From any thread, loggers included: what a logger logs is handled after the record it has.
 class ZR_EXPORT DDLog {
 public:
+    // Null is named in the log, and not added.
     static void addLogger(const std::shared_ptr<DDLogger>& logger, int level = DDLogLevelAll);
     static void removeAllLoggers();
     // Returns when all records so far have been handled.
@@ -68,7 +70,10 @@ public:
     static void log_level_flag_context_file_function_line_tag_format(
         bool asynchronous, int level, int flag, int context, const char* file, const char* function, int line,
         const std::shared_ptr<NSObject>& tag, std::string_view format, const Arguments&... arguments) {
-        if (!hasLoggers()) return;
+        if (!hasLoggers()) {
+            if ((flag & DDLogFlagError) != 0) NSLog(format, arguments...);
+            return;
+        }
         DDLogMessage message;
         message.message = stringWithFormat(format, arguments...);
         message.format = std::string(format);

@@ -10,10 +10,12 @@
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QThread>
 #include <QTranslator>
 
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -29,37 +31,67 @@ bool isSandboxed() {
 } // namespace
 
 struct Platform::Parts {
-    explicit Parts(bool sandboxed) : portal(sandboxed ? std::make_shared<QtPortal>() : nullptr) {}
+    explicit Parts(Options options);
+    ~Parts();
+    // Of the QApplication, while its widgets are still there.
+    static void applicationEnds() {
+        qWarning("The zr::qt::Platform outlives its QApplication, and ends with it");
+        ofLiving->reset();
+    }
+    static inline std::unique_ptr<Parts>* ofLiving = nullptr;
 
     std::shared_ptr<QtPortal> portal;
     std::shared_ptr<QtQueues> queues = std::make_shared<QtQueues>();
     QtWindowSystem system{portal};
 };
 
-Platform::Platform(Options options)
-    : parts_(std::make_unique<Parts>(options.sandboxed.value_or(isSandboxed()))) {
-    backend::install({.queues = parts_->queues,
+Platform::Parts::Parts(Options options)
+    : portal(options.sandboxed.value_or(isSandboxed()) ? std::make_shared<QtPortal>() : nullptr) {
+    // Throws where there is another platform, whose host is to stay.
+    system.setClient(&port::install(system));
+    backend::install({.queues = queues,
                       .mainBundle = std::move(options.mainBundle),
                       .preferredLanguages = std::move(options.preferredLanguages),
                       .userDefaults = std::move(options.userDefaults),
-                      .portal = parts_->portal});
-    parts_->system.setClient(&port::install(parts_->system));
+                      .portal = portal});
+    qAddPostRoutine(&applicationEnds);
 }
 
-Platform::~Platform() {
-    parts_->system.setClient(nullptr);
+Platform::Parts::~Parts() {
+    qRemovePostRoutine(&applicationEnds);
+    system.setClient(nullptr);
     port::uninstall();
     endHosting();
     backend::stopWaiting();
-    parts_->queues->finish();
+    queues->finish();
     // Widgets that were let go of go now, while Qt is still there.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     backend::uninstall();
 }
 
+Platform::Platform(Options options) {
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        throw std::logic_error("zr::qt::Platform: there is no QApplication, which must be made first");
+    if (QThread::currentThread() != qApp->thread())
+        throw std::logic_error("zr::qt::Platform: this is not the thread of the QApplication");
+    parts_ = std::make_unique<Parts>(std::move(options));
+    Parts::ofLiving = &parts_;
+}
+
+Platform::~Platform() = default;
+
+namespace {
+std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
+    if (QCoreApplication::instance())
+        throw std::logic_error(
+            "zr::qt::Application: there is a QApplication already; a zr::qt::Platform goes with it");
+    return std::make_unique<QApplication>(argc, argv);
+}
+} // namespace
+
 struct Application::Parts {
     Parts(int& argc, char** argv, Options options)
-        : qt(std::make_unique<QApplication>(argc, argv)), platform(std::in_place, std::move(options)) {
+        : qt(makeApplication(argc, argv)), platform(std::in_place, std::move(options)) {
         QApplication::setQuitOnLastWindowClosed(false); // the application object decides
         const auto language = QString::fromStdString(backend::preferredLocalization());
         if (!language.isEmpty() && texts.load(QLocale(language), QStringLiteral("qtbase"), QStringLiteral("_"),

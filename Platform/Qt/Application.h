@@ -26,7 +26,9 @@ struct Options {
 };
 
 // Makes Qt the window system of the kit while it lives. For programs that have a QApplication of their own,
-// which must exist before and live longer. Main thread only; at most one at a time.
+// which must exist before and live longer: one that goes first ends it, with a warning. Main thread only; at
+// most one at a time, whatever the adaptor. The constructor throws std::logic_error where one of that does not
+// hold.
 class ZR_EXPORT Platform {
 public:
     explicit Platform(Options options = {});
@@ -40,7 +42,8 @@ private:
 };
 
 // The same, for programs without a QApplication: it makes one, which has Qt's own texts in the language of the
-// main bundle. Then NSApplication::sharedApplication().run().
+// main bundle. Then NSApplication::sharedApplication().run(). Throws std::logic_error where there is one
+// already.
 class ZR_EXPORT Application {
 public:
     // Qt takes its own options out of the arguments; both must live as long as this.

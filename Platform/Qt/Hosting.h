@@ -19,8 +19,9 @@ namespace zr::qt {
 
 // A widget for a layout of Qt's, which the view fills. Qt owns the widget, by its parent or its layout; the
 // widget holds the view. The view is in the kit's window of the widget's top level as soon as there is one, and
-// changes over when the widget does. Its size hint is the size that the view has now; its policy is Expanding
-// where the autoresizing mask says that the size is flexible, Preferred where not.
+// changes over when the widget does. A view that is embedded already moves to the new widget and leaves the one
+// before empty, as the widget for null is; the log names both. Its size hint is the size that the view has now;
+// its policy is Expanding where the autoresizing mask says that the size is flexible, Preferred where not.
 ZR_EXPORT QWidget* embed(std::shared_ptr<NSView> view, QWidget* parent = nullptr);
 
 // The window by which the kit sees the widget's top level: always the same for the same top level. It belongs

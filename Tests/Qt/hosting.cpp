@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DragRecorder.h"
 #include "QtTest.h"
+#include "Support/LoggedTexts.h"
 
 #include <AppKit/NSBezierPath.h>
 #include <AppKit/NSButton.h>
@@ -34,6 +35,7 @@ using qt::viewOf;
 using qt::windowOf;
 using test::DragRecorder;
 using test::IsColour;
+using test::logged;
 using testing::ElementsAre;
 
 namespace {
@@ -661,13 +663,67 @@ TEST_F(QtHosting, ViewsSwitchedOffByTheHostGetNothing) {
 }
 
 TEST_F(QtHosting, NothingToEmbedIsAnEmptyWidget) {
-    QWidget* const slot = embed(nullptr);
+    QWidget* slot = nullptr;
+    EXPECT_THAT(logged([&] { slot = embed(nullptr); }),
+                ElementsAre("zr::qt::embed: the view is null, and the widget stays empty"));
     layout_->addWidget(slot);
     showHost();
     EXPECT_FALSE(viewOf(slot));
     slot->setFocus();
     press({50, 50});
     delete slot;
+}
+
+TEST_F(QtHosting, AViewThatIsEmbeddedAgainMovesToTheNewWidget) {
+    const auto view = pad();
+    QWidget* const first = embed(view);
+    QWidget* second = nullptr;
+    layout_->addWidget(first);
+    showHost();
+    EXPECT_THAT(logged([&] { second = embed(view); }),
+                ElementsAre("zr::qt::embed: Pad is embedded already; it moves to the new widget"));
+    layout_->addWidget(second);
+    settle();
+    EXPECT_FALSE(viewOf(first));
+    EXPECT_EQ(viewOf(second), view);
+    view->accepts = true;
+    first->setFocus();
+    EXPECT_NE(windowOf(host_)->firstResponder(), view.get());
+    delete first;
+    settle();
+    EXPECT_EQ(view->window(), windowOf(host_));
+    delete second;
+    EXPECT_FALSE(view->window());
+    std::unique_ptr<QWidget> third;
+    EXPECT_THAT(logged([&] { third.reset(embed(view)); }), testing::IsEmpty()) << "the one before has gone";
+}
+
+TEST_F(QtHosting, TheContentOfAWindowOfTheKitThatIsEmbeddedLeavesIt) {
+    const auto view = pad();
+    window_ = make<NSWindow>();
+    window_->setContentView(view);
+    window_->makeKeyAndOrderFront(nullptr);
+    settle();
+    std::unique_ptr<QWidget> slot;
+    EXPECT_THAT(
+        logged([&] { slot.reset(embed(view)); }),
+        ElementsAre("A view is put elsewhere while it is the content of a window, which gets an empty one"));
+    EXPECT_NE(window_->contentView(), view.get());
+    window_->close();
+    EXPECT_EQ(viewOf(slot.get()), view);
+}
+
+TEST_F(QtHosting, TheContentOfAHostsWindowStays) {
+    showHost();
+    const auto content = viewOf(host_);
+    std::unique_ptr<QWidget> slot;
+    EXPECT_THAT(
+        logged([&] { slot.reset(embed(content)); }),
+        ElementsAre("A view is put elsewhere while it is the content of a window, which is the host's and "
+                    "keeps it"));
+    EXPECT_EQ(windowOf(host_)->contentView(), content.get());
+    slot.reset();
+    EXPECT_EQ(content->window(), windowOf(host_));
 }
 
 // The keyboard

@@ -2,6 +2,7 @@
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSControl.h>
 #include <Foundation/NSCoder.h>
+#include <Foundation/NSLog.h>
 
 namespace zr {
 
@@ -28,10 +29,15 @@ void NSControl::setTarget(const Unretained<NSObject>& target) {
 
 bool NSControl::sendAction_to(const SEL& action, NSObject* target) {
     if (action.empty()) return false;
-    // A target that is gone takes nothing, and the chain is not asked in its place.
-    if (!target && hasTarget_) return false;
     const auto held = retained(this);
-    return NSApplication::sharedApplication().sendAction_to_from(action, target, this);
+    // A target that is gone takes nothing, and the chain is not asked in its place.
+    const bool gone = !target && hasTarget_;
+    if (!gone && NSApplication::sharedApplication().sendAction_to_from(action, target, this)) return true;
+    NSLog("Nobody takes %@ of %@: %@", action, held,
+          target ? stringWithFormat("its target, %@, does not have it", target)
+          : gone ? "its target is gone"
+                 : "nobody along the responder chain has it");
+    return false;
 }
 
 void NSControl::setFont(const NSFont& font) {

@@ -19,7 +19,7 @@ public:
     virtual void setEnabled(bool enabled); // asks for drawing
 
     // Not retained. Without a target the action goes along the responder chain; without an action nothing is
-    // sent.
+    // sent. The log names an action that nobody takes.
     NSObject* target() const { return target_.lock().get(); }
     void setTarget(const Unretained<NSObject>& target);
     const SEL& action() const { return action_; }

@@ -58,7 +58,10 @@ void NSWindowController::loadWindow() {
 }
 
 void NSWindowController::showWindow(NSObject* sender) {
-    if (const auto window = this->window()) window->makeKeyAndOrderFront(sender);
+    if (const auto window = this->window())
+        window->makeKeyAndOrderFront(sender);
+    else if (windowNibName_.empty())
+        NSLog("-[NSWindowController showWindow:]: %@ has no window", this);
 }
 
 void NSWindowController::close() {

@@ -3,6 +3,7 @@
 #include <AppKit/NSWindow.h>
 #include <AppKit/PanelSupport.h>
 #include <Foundation/NSBundle.h>
+#include <Foundation/NSLog.h>
 #include <WindowSystem/Panels.h>
 
 #include <utility>
@@ -26,6 +27,11 @@ std::optional<NSURL> NSOpenPanel::URL() const {
     return urls_.empty() ? std::nullopt : std::optional(urls_.front());
 }
 
+bool NSOpenPanel::canBeShownBy(std::string_view method) const {
+    if (peer_) NSLog("%@ does nothing: the panel is shown already", method);
+    return !peer_ && PanelSupport::hasSystemFor(method);
+}
+
 void NSOpenPanel::show(NSWindow* window) {
     const std::string prompt =
         prompt_.empty() ? NSBundle::mainBundle().localizedStringForKey_value_table("Open", "", std::nullopt)
@@ -42,7 +48,7 @@ void NSOpenPanel::show(NSWindow* window) {
 
 int NSOpenPanel::runModal() {
     const auto held = retained(this);
-    if (peer_ || !PanelSupport::windowSystem()) return NSModalResponseCancel;
+    if (!canBeShownBy("-[NSOpenPanel runModal]")) return NSModalResponseCancel;
     urls_.clear();
     PanelSupport::runModal(
         [this] {
@@ -57,7 +63,7 @@ int NSOpenPanel::runModal() {
 void NSOpenPanel::beginSheetModalForWindow_completionHandler(NSWindow* window,
                                                              std::function<void(int)> handler) {
     const auto held = retained(this);
-    if (peer_ || !PanelSupport::windowSystem()) return;
+    if (!canBeShownBy("-[NSOpenPanel beginSheetModalForWindow:completionHandler:]")) return;
     if (!window || !window->isVisible()) {
         const int response = runModal();
         if (handler) handler(response);

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zr {
@@ -50,8 +51,8 @@ public:
     int runModal();
     // In front of the window, which alone gets no input, and answers at once. The handler gets the response
     // before the panel goes; it is cancelled when the window is hidden or closed. Until then the panel holds
-    // itself. Over no visible window it runs as runModal does. Does nothing, and the handler never comes, while
-    // the panel is shown already or no window system is installed.
+    // itself. Over no visible window it runs as runModal does. Does nothing but to say so in the log,
+    // and the handler never comes, while the panel is shown already or no window system is installed.
     void beginSheetModalForWindow_completionHandler(NSWindow* window, std::function<void(int)> handler);
 
     // What was chosen last, in the order in which it was shown; empty after Cancel.
@@ -61,6 +62,7 @@ public:
 private:
     struct Client;
 
+    bool canBeShownBy(std::string_view method) const; // else the log says why
     void show(NSWindow* window);
     void chose(const std::vector<std::string>& paths);
 

@@ -3,6 +3,7 @@
 #include <AppKit/NSTableView.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
+#include <Foundation/NSLog.h>
 #include <WindowSystem/Tables.h>
 
 #include <algorithm>
@@ -94,7 +95,10 @@ std::string NSTableView::text(std::size_t row, std::size_t column) {
 }
 
 void NSTableView::addTableColumn(const std::shared_ptr<NSTableColumn>& column) {
-    if (!column || column->tableView_) return;
+    if (!column || column->tableView_) {
+        NSLog("-[NSTableView addTableColumn:]: the column is %@", column ? "in a table already" : "null");
+        return;
+    }
     column->tableView_ = this;
     columns_.push_back(column);
     columnsChanged();

@@ -5,6 +5,7 @@
 #include <WindowSystem/Windows.h>
 
 #include <memory>
+#include <string_view>
 
 namespace zr {
 
@@ -36,6 +37,8 @@ struct InstalledSystem {
 
 // Null while none is installed.
 InstalledSystem* installedSystem();
+// The same for a method, "-[Class method:]", that does nothing without one: the log then says so in one line.
+InstalledSystem* systemFor(std::string_view method);
 void setInstalledSystem(std::unique_ptr<InstalledSystem> system);
 
 } // namespace zr

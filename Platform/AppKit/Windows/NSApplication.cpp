@@ -6,6 +6,7 @@
 #include <AppKit/NSMenu.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/Dispatch.h>
+#include <Foundation/NSLog.h>
 
 #include <algorithm>
 #include <iterator>
@@ -49,17 +50,21 @@ NSApplication::~NSApplication() = default;
 
 NSApplication& NSApplication::sharedApplication() {
     auto* const installed = installedSystem();
-    if (!installed) throw std::logic_error("no window system is installed");
+    if (!installed)
+        throw std::logic_error("there is no NSApplication without a platform: make a zr::qt::Platform, a "
+                               "zr::qt::Application or a zr::headless::Platform first");
     return *installed->application;
 }
 
 void NSApplication::run() {
-    if (!terminating_) installedSystem()->windowSystem.run();
+    auto* const installed = systemFor("-[NSApplication run]");
+    if (!installed) return;
+    if (!terminating_) installed->windowSystem.run();
     terminating_ = false;
 }
 
 void NSApplication::terminate(NSObject*) {
-    if (terminating_ || asksToTerminate_) return;
+    if (!installedSystem() || terminating_ || asksToTerminate_) return;
     if (const auto delegate = delegate_.lock()) {
         asksToTerminate_ = true;
         const auto reply = delegate->applicationShouldTerminate(*this);
@@ -70,14 +75,18 @@ void NSApplication::terminate(NSObject*) {
     if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate(*this);
     wakeTracking();
     wakeModal();
-    installedSystem()->windowSystem.stop();
+    if (auto* const installed = installedSystem()) installed->windowSystem.stop();
 }
 
 void NSApplication::setAppearance(std::optional<Appearance> appearance) {
-    installedSystem()->windowSystem.setAppearance(appearance);
+    if (auto* const installed = systemFor("-[NSApplication setAppearance:]"))
+        installed->windowSystem.setAppearance(appearance);
 }
 
-Appearance NSApplication::effectiveAppearance() const { return installedSystem()->windowSystem.appearance(); }
+Appearance NSApplication::effectiveAppearance() const {
+    auto* const installed = systemFor("-[NSApplication effectiveAppearance]");
+    return installed ? installed->windowSystem.appearance() : Appearance::light;
+}
 
 NSWindow* NSApplication::keyWindow() const {
     const auto found = std::ranges::find_if(windows_, [](const auto& window) { return window->isKeyWindow(); });
@@ -89,10 +98,12 @@ NSWindow* NSApplication::modalWindow() const {
 }
 
 void NSApplication::setMainMenu(const std::shared_ptr<NSMenu>& menu) {
+    auto* const installed = systemFor("-[NSApplication setMainMenu:]");
+    if (!installed) return;
     mainMenu_ = menu;
     const auto windows = windows_;
     for (const auto& window : windows) window->mainMenuChanged();
-    auto& system = installedSystem()->windowSystem;
+    auto& system = installed->windowSystem;
     if (!system.menusStandInWindows())
         system.setMainMenu(menu ? menu->shownForAllWindows() : std::vector<port::MenuItem>());
 }
@@ -210,7 +221,7 @@ int NSApplication::runModal(const std::shared_ptr<NSWindow>& window,
                             const std::function<std::unique_ptr<port::TrackingLoop>()>& begin,
                             const std::function<bool()>& isShown) {
     const auto held = retained(this);
-    if (terminating_) return NSModalResponseAbort;
+    if (!systemFor("-[NSApplication runModalForWindow:]") || terminating_) return NSModalResponseAbort;
     // A view that follows the pointer gets no more of it.
     const auto windows = windows_;
     for (const auto& each : windows) each->pressesEnd();
@@ -253,6 +264,10 @@ void NSApplication::beginSheet_modalForWindow_modalDelegate_didEndSelector_conte
                                                                                        NSWindow* window,
                                                                                        NSObject*, const SEL&,
                                                                                        void*) {
+    if (window == &sheet) {
+        NSLog("-[NSApplication beginSheet:modalForWindow:…]: %@ is to be a sheet over itself", &sheet);
+        return;
+    }
     if (window) {
         window->pressesEnd();
     } else {
@@ -292,7 +307,8 @@ void NSApplication::endTracking() {
 // Begins and ends with the window system.
 struct ApplicationLife {
     static port::ApplicationClient& begin(port::WindowSystem& windowSystem) {
-        if (installedSystem()) throw std::logic_error("a window system is installed already");
+        if (installedSystem())
+            throw std::logic_error("there is a platform already: the one before must go first");
         installDrawing(&windowSystem);
         setInstalledSystem(std::make_unique<InstalledSystem>(InstalledSystem{windowSystem}));
         auto& system = *installedSystem();

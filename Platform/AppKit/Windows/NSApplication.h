@@ -47,7 +47,8 @@ public:
     NSApplication();
     ~NSApplication() override;
 
-    // Throws std::logic_error while no window system is installed.
+    // Throws std::logic_error while there is no platform. Of one that is kept longer than its platform nothing
+    // comes: the log says so.
     static NSApplication& sharedApplication();
 
     std::shared_ptr<NSApplicationDelegate> delegate() const { return delegate_.lock(); }

@@ -2,6 +2,7 @@
 #include "InstalledSystem.h"
 
 #include <AppKit/NSMenu.h>
+#include <Foundation/NSLog.h>
 
 #include <algorithm>
 
@@ -22,6 +23,20 @@ bool NSMenuItem::initWithTitle_action_keyEquivalent(const std::string& title, co
     action_ = action;
     keyEquivalent_ = keyEquivalent;
     return true;
+}
+
+void NSMenuItem::setTarget(const Unretained<NSObject>& target) {
+    target_ = target.givenTo("-[NSMenuItem setTarget:]");
+    const auto now = this->target();
+    if (now && !action_.empty() && !now->respondsToSelector(action_))
+        NSLog("-[NSMenuItem setTarget:]: nobody takes %@ of \"%@\": %@ does not have it", action_, title_, now);
+}
+
+void NSMenuItem::setSubmenu(const std::shared_ptr<NSMenu>& submenu) {
+    if (submenu && submenu->leadsTo(*this))
+        NSLog("-[NSMenuItem setSubmenu:]: \"%@\" would contain itself", title_);
+    else
+        submenu_ = submenu;
 }
 
 bool NSMenuItem::perform() {
@@ -59,6 +74,20 @@ bool NSMenuItem::isPressedBy(const NSEvent& event) const {
 bool NSMenu::initWithTitle(const std::string& title) {
     title_ = title;
     return true;
+}
+
+bool NSMenu::leadsTo(const NSMenuItem& item) const {
+    return std::ranges::any_of(items_, [&](const auto& each) {
+        return each.get() == &item || (each->submenu() && each->submenu()->leadsTo(item));
+    });
+}
+
+void NSMenu::addItem(const std::shared_ptr<NSMenuItem>& item) {
+    if (!item) return NSLog("-[NSMenu addItem:]: the item is null");
+    items_.push_back(item);
+    if (!item->submenu() || !item->submenu()->leadsTo(*item)) return;
+    items_.pop_back();
+    NSLog("-[NSMenu addItem:]: \"%@\" would contain itself", item->title());
 }
 
 std::shared_ptr<NSMenuItem> NSMenu::addItemWithTitle_action_keyEquivalent(const std::string& title,

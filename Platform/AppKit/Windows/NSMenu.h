@@ -39,7 +39,8 @@ public:
     // Nobody: whoever is first to take the action along the responder chain of the window in whose menu bar it
     // was chosen or, for a key, of the key window.
     std::shared_ptr<NSObject> target() const { return target_.lock(); }
-    void setTarget(const Unretained<NSObject>& target) { target_ = target.givenTo("-[NSMenuItem setTarget:]"); }
+    // The log names one that does not have the action.
+    void setTarget(const Unretained<NSObject>& target);
     const std::string& keyEquivalent() const { return keyEquivalent_; }
     unsigned keyEquivalentModifierMask() const { return keyEquivalentModifierMask_; }
     void setKeyEquivalentModifierMask(unsigned mask) { keyEquivalentModifierMask_ = mask; }
@@ -47,7 +48,8 @@ public:
     void setEnabled(bool enabled) { enabled_ = enabled; }
     bool isSeparatorItem() const { return isSeparator_; }
     const std::shared_ptr<NSMenu>& submenu() const { return submenu_; }
-    void setSubmenu(const std::shared_ptr<NSMenu>& submenu) { submenu_ = submenu; }
+    // One that leads to this item changes nothing; the log names it.
+    void setSubmenu(const std::shared_ptr<NSMenu>& submenu);
 
     // Sends the action, as if the user had chosen the item. Answers whether somebody took it.
     bool perform();
@@ -76,7 +78,8 @@ public:
 
     const std::string& title() const { return title_; }
     const std::vector<std::shared_ptr<NSMenuItem>>& itemArray() const { return items_; }
-    void addItem(const std::shared_ptr<NSMenuItem>& item) { items_.push_back(item); }
+    // Null, and an item whose submenu leads here, change nothing; the log names both.
+    void addItem(const std::shared_ptr<NSMenuItem>& item);
     std::shared_ptr<NSMenuItem> addItemWithTitle_action_keyEquivalent(const std::string& title,
                                                                       const SEL& action,
                                                                       const std::string& keyEquivalent);
@@ -86,7 +89,9 @@ public:
 
 private:
     friend class NSApplication;
+    friend class NSMenuItem;
     friend class WindowBarsHolder;
+    bool leadsTo(const NSMenuItem& item) const;
     using WindowNow = std::function<std::shared_ptr<NSWindow>()>;
     std::vector<port::MenuItem> shownIn(const std::weak_ptr<NSWindow>& window) const;
     std::vector<port::MenuItem> shownForAllWindows() const; // acts in the key window

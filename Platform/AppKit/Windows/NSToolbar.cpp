@@ -4,6 +4,7 @@
 #include <AppKit/NSImage.h>
 #include <AppKit/NSToolbar.h>
 #include <Foundation/NSCoder.h>
+#include <Foundation/NSLog.h>
 
 #include <algorithm>
 
@@ -113,7 +114,10 @@ void NSToolbar::clicked(std::size_t index) {
     if (item->action().empty()) return;
     auto& router = *installedSystem()->router;
     const auto taker = router.takerOf(item->action(), item->target().get(), router.keyWindow().get());
-    if (taker) taker->performSelector_withObject(item->action(), item.get());
+    if (taker)
+        taker->performSelector_withObject(item->action(), item.get());
+    else
+        NSLog("Nobody takes %@ of the toolbar item \"%@\"", item->action(), item->itemIdentifier());
 }
 
 } // namespace zr

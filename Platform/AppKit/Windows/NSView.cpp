@@ -5,6 +5,7 @@
 #include <AppKit/NSGraphicsContext.h>
 #include <AppKit/NSView.h>
 #include <Foundation/NSCoder.h>
+#include <Foundation/NSLog.h>
 
 #include <algorithm>
 
@@ -81,14 +82,17 @@ void NSView::setBoundsOrigin(const NSPoint& origin) {
 NSWindow* NSView::window() const { return host_ ? &host_->window() : nullptr; }
 
 void NSView::addSubview(const std::shared_ptr<NSView>& view) {
-    if (!view || isDescendantOf(*view)) return;
+    if (!view || isDescendantOf(*view)) {
+        NSLog("-[NSView addSubview:]: %@", view ? "the view would contain itself" : "the view is null");
+        return;
+    }
     if (view->superview_ == this) {
         const auto found = std::ranges::find(subviews_, view);
         std::rotate(found, found + 1, subviews_.end());
         if (view->peer_) view->peer_->raise();
         return;
     }
-    view->removeFromSuperview();
+    if (!view->leavePlace()) return;
     subviews_.push_back(view);
     view->superview_ = this;
     view->setNextResponder(this);
@@ -111,6 +115,15 @@ void NSView::removeFromSuperview() {
     std::erase_if(superview->subviews_, [&](const auto& subview) { return subview.get() == this; });
     moveToWindow(nullptr);
     superview->setNeedsDisplay(true);
+}
+
+bool NSView::leavePlace() {
+    removeFromSuperview();
+    if (superview_ || !host_) return true;
+    host_->contentLeaves();
+    NSLog("A view is put elsewhere while it is the content of a window, which %@",
+          host_ ? "is the host's and keeps it" : "gets an empty one");
+    return !host_;
 }
 
 void NSView::moveToWindow(ViewHost* host) {

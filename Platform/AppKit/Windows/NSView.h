@@ -58,7 +58,9 @@ public:
     NSView* superview() const { return superview_; }
     NSWindow* window() const;
     const std::vector<std::shared_ptr<NSView>>& subviews() const { return subviews_; }
-    // In front of its siblings. A view that stands elsewhere is moved. Ignored where it would contain itself.
+    // In front of its siblings. A view that stands elsewhere is moved. Null, and a view that would contain
+    // itself, change nothing; the log names both, and a view that was a window's content: that one gets an
+    // empty one.
     void addSubview(const std::shared_ptr<NSView>& view);
     void removeFromSuperview();
     bool isDescendantOf(const NSView& view) const;
@@ -139,6 +141,7 @@ private:
     NSPoint pointFromWindow(NSPoint point) const;
     bool superviewIsFlipped() const { return superview_ && superview_->isFlipped(); }
     void moveToWindow(ViewHost* host);
+    bool leavePlace(); // false: it is the content of a host's window, and stays there
     void realise(port::PeerFactory& factory, port::ViewPeer& parent);
     void realiseAsContent(port::PeerFactory& factory, port::WindowPeer& window);
     void adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPeer> peer);

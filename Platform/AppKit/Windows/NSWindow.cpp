@@ -61,6 +61,7 @@ struct NSWindow::Client final : port::WindowClient, ViewHost, WindowFrame::Owner
     // The views'
     NSWindow& window() override { return self; }
     void scheduleUpdate() override { self.scheduleUpdate(); }
+    void contentLeaves() override { holding(&NSWindow::setContentView, nullptr); }
     void viewWillLeave(NSView& view) override {
         holding([&] {
             self.focus_->viewLeaves(view);
@@ -148,7 +149,7 @@ void NSWindow::setContentView(const std::shared_ptr<NSView>& view) {
     const auto old = contentView_;
     if ((view && view == old) || (foreign_ && old)) return;
     const auto next = view ? view : make<NSView>(NSRect{});
-    next->removeFromSuperview();
+    if (!next->leavePlace()) return;
     if (old) {
         client_->viewWillLeave(*old);
         old->unrealise();
@@ -238,10 +239,7 @@ void NSWindow::mainMenuChanged() {
 // Coming and going
 
 void NSWindow::realise(bool withMenuBar) {
-    if (peer_) {
-        setMenuBar(withMenuBar);
-        return;
-    }
+    if (peer_) return setMenuBar(withMenuBar);
     auto& system = installedSystem()->windowSystem;
     peer_ = system.makeWindow(*client_, contentSize(),
                               {has(NSWindowStyleMaskTitled), has(NSWindowStyleMaskClosable),
@@ -265,7 +263,8 @@ void NSWindow::unrealise() {
 }
 
 void NSWindow::show(bool activate) {
-    if (!installedSystem() || (foreign_ && !peer_)) return;
+    const char* const method = activate ? "-[NSWindow makeKeyAndOrderFront:]" : "-[NSWindow orderFront:]";
+    if (!systemFor(method) || (foreign_ && !peer_)) return;
     const auto held = retained(this);
     wasShown();
     realise(true);
@@ -281,7 +280,7 @@ std::unique_ptr<port::TrackingLoop> NSWindow::showModal() {
 }
 
 void NSWindow::showAsSheet(NSWindow* parent) {
-    if (!installedSystem()) return;
+    if (!systemFor("-[NSApplication beginSheet:modalForWindow:…]")) return;
     // A second sheet stands over the first.
     while (parent && parent->attachedSheet()) parent = parent->attachedSheet();
     if (parent == this) return;

@@ -11,6 +11,8 @@ port::WindowSystem* PanelSupport::windowSystem() {
     return installedSystem() ? &installedSystem()->windowSystem : nullptr;
 }
 
+bool PanelSupport::hasSystemFor(std::string_view method) { return systemFor(method) != nullptr; }
+
 port::WindowPeer* PanelSupport::peerOf(NSWindow& window) { return window.peer_.get(); }
 
 void PanelSupport::endPresses(NSWindow& window) { window.pressesEnd(); }

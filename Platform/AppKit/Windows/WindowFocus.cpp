@@ -2,6 +2,8 @@
 #include "InstalledSystem.h"
 #include "WindowFocus.h"
 
+#include <Foundation/NSLog.h>
+
 #include <algorithm>
 #include <set>
 
@@ -18,10 +20,12 @@ bool WindowFocus::makeFirst(NSResponder* responder) {
     NSResponder* const window = &owner_.asResponder();
     NSResponder* wanted = responder ? responder : window;
     if (wanted == old.get()) return true;
+    const auto* const view = dynamic_cast<NSView*>(responder);
+    if (view && !owner_.isHere(*view)) NSLog("-[NSWindow makeFirstResponder:]: %@ is not in the window", view);
     if (old && old.get() != window && !old->resignFirstResponder()) return false;
     first_.reset();
     // It may have left while the other one was asked.
-    if (const auto* view = dynamic_cast<NSView*>(wanted); view && !owner_.isHere(*view)) wanted = window;
+    if (view && !owner_.isHere(*view)) wanted = window;
     const bool taken = wanted != window && wanted->becomeFirstResponder();
     first_ = taken ? retained(wanted) : nullptr;
     show();
@@ -87,7 +91,9 @@ void WindowFocus::begin() {
 
 bool WindowFocus::performKeyEquivalent(const NSEvent& event) {
     const auto content = retained(&owner_.content());
-    return content->performKeyEquivalent(event) || installedSystem()->router->performKeyOfMainMenu(event);
+    if (content->performKeyEquivalent(event)) return true;
+    auto* const installed = installedSystem();
+    return installed && installed->router->performKeyOfMainMenu(event);
 }
 
 bool WindowFocus::performKeyEquivalentOf(const char* characters) {

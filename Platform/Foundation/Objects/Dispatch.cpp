@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <stdexcept>
 
 namespace zr {
 
@@ -19,7 +20,14 @@ dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t nanoseconds) {
     return distance <= latest - when ? when + distance : latest;
 }
 
+namespace {
+void demand(const dispatch_block_t& block) {
+    if (!block) throw std::invalid_argument("dispatch: the block is null");
+}
+} // namespace
+
 void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
+    demand(block);
     const auto queues = backend::current()->host.queues;
     if (!queues) return;
     if (queue == dispatch_queue_t::main)
@@ -29,6 +37,7 @@ void dispatch_async(dispatch_queue_t queue, dispatch_block_t block) {
 }
 
 void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block) {
+    demand(block);
     const auto queues = backend::current()->host.queues;
     if (!queues) return;
     when = std::max(when, queues->now()); // what is due already does not overtake what waits

@@ -11,7 +11,7 @@
 namespace zr {
 
 // Grand Central Dispatch, as far as the kit uses it. Blocks hold what they capture until they have run or are
-// dropped. From any thread. Without an installed host nothing runs.
+// dropped. From any thread. Without an installed host nothing runs. Null throws std::invalid_argument.
 using dispatch_block_t = std::function<void()>;
 using dispatch_time_t = std::uint64_t; // nanoseconds of the host's monotonic clock
 using dispatch_once_t = std::once_flag;

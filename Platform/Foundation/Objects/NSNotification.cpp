@@ -3,6 +3,7 @@
 #include <FoundationBackends/InstalledHost.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace zr {
@@ -19,6 +20,7 @@ public:
 std::shared_ptr<NSObject>
 NSNotificationCenter::addObserverForName_object_usingBlock(const std::optional<NSNotificationName>& name,
                                                            const NSObject* object, Block block) {
+    if (!block) throw std::invalid_argument("addObserverForName:object:usingBlock: the block is null");
     const auto registration = make<Registration>();
     registration->name = name;
     registration->object = object;

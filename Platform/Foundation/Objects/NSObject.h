@@ -82,6 +82,8 @@ std::shared_ptr<Made<T>> constructed() {
 // make<NSImage>(&NSImage::initWithSize, size)
 template <class T, class Base, class... Parameters, class... Arguments>
 std::shared_ptr<T> make(bool (Base::*initialiser)(Parameters...), Arguments&&... arguments) {
+    static_assert(std::is_base_of_v<Base, T>,
+                  "make: the initialiser is one of a class from which the object's does not derive");
     auto object = detail::constructed<T>();
     if (!(static_cast<Base&>(*object).*initialiser)(std::forward<Arguments>(arguments)...)) return nullptr;
     return object;

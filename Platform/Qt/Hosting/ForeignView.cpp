@@ -3,6 +3,7 @@
 #include "ForeignView.h"
 
 #include <AppKit/NSWindow.h>
+#include <Foundation/NSLog.h>
 
 namespace zr::qt {
 
@@ -33,7 +34,9 @@ QSizePolicy::Policy policy(bool flexible) { return flexible ? QSizePolicy::Expan
 SlotWidget::SlotWidget(std::shared_ptr<NSView> view, QWidget* parent)
     : QWidget(parent), view_(std::move(view)) {
     const auto slot = make<SlotView>(&SlotView::initWithWidget, this);
+    if (!view_) NSLog("zr::qt::embed: the view is null, and the widget stays empty");
     if (view_) {
+        leavePlaceBefore();
         const NSSize size = view_->frame().size;
         sizeHint_ = QSize(qRound(size.width), qRound(size.height));
         resize(sizeHint_);
@@ -43,6 +46,14 @@ SlotWidget::SlotWidget(std::shared_ptr<NSView> view, QWidget* parent)
         view_->setFrameOrigin(NSZeroPoint);
     }
     new Follower(this, slot);
+}
+
+void SlotWidget::leavePlaceBefore() {
+    const auto* const slot = dynamic_cast<SlotView*>(view_->superview());
+    auto* const before = dynamic_cast<SlotWidget*>(slot ? slot->widget() : nullptr);
+    if (!before) return;
+    NSLog("zr::qt::embed: %@ is embedded already; it moves to the new widget", view_);
+    before->view_ = nullptr;
 }
 
 // The widgets of the view are let go of, rather than deleted with this: one of their events may be under way.

@@ -36,6 +36,7 @@ public:
         widget_ = widget;
         return Base::initWithFrame({});
     }
+    QWidget* widget() const { return widget_; } // null once it is gone
 
 protected:
     std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory&, port::ViewPeer& parent,
@@ -68,6 +69,8 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
 
 private:
+    void leavePlaceBefore();
+
     std::shared_ptr<NSView> view_;
     QSize sizeHint_;
 };

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "Support/LoggedTexts.h"
+
 #include <HostLibraries/DDLog.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKitHeadless/Headless.h>
@@ -67,6 +69,10 @@ protected:
         auto added = std::make_shared<Recorder>();
         DDLog::addLogger(added, level);
         return added;
+    }
+    static void log(int flag, const char* format) {
+        DDLog::log_level_flag_context_file_function_line_tag_format(false, DDLogLevelAll, flag, 0, "", "", 0,
+                                                                    nullptr, format);
     }
     DDLogMessage onlyRecord() const {
         const auto all = recorder->records();
@@ -195,21 +201,61 @@ TEST_F(KitLog, ALoggerGetsTheFlagsOfItsLevel) {
         EXPECT_EQ(recorders[i]->texts(), cases[i].second) << cases[i].first;
 }
 
-TEST_F(KitLog, WithoutLoggersRecordsGoNowhere) {
+TEST_F(KitLog, WithoutLoggersOnlyErrorsGoAnywhereAndTheyAreLoggedAtOnce) {
     DDLog::removeAllLoggers();
-    KitLogError(kMethod, "lost");
-    KitLogInfo(kMethod, "lost");
-    platform->runUntilIdle();
+    EXPECT_THAT(test::logged([&] { KitLogError(kMethod, "%@ at %d", "an error", 3); }),
+                ElementsAre("an error at 3"));
+    EXPECT_THAT(test::logged([&] {
+                    KitLogInfo(kMethod, "lost");
+                    log(DDLogFlagWarning, "lost");
+                    log(DDLogFlagVerbose, "lost");
+                    platform->runUntilIdle();
+                }),
+                IsEmpty());
+    EXPECT_THAT(test::logged([&] { log(DDLogFlagError | DDLogFlagVerbose, "100%% wrong"); }),
+                ElementsAre("100% wrong"));
     const auto late = addRecorder();
     DDLog::flushLog();
     EXPECT_THAT(late->texts(), IsEmpty());
     EXPECT_THAT(recorder->texts(), IsEmpty());
 }
 
+TEST_F(KitLog, AnErrorIsTheLoggersAffairWhereThereIsOneEvenIfItWantsNone) {
+    DDLog::removeAllLoggers();
+    addRecorder(DDLogLevelOff);
+    EXPECT_THAT(test::logged([&] { KitLogError(kMethod, "an error"); }), IsEmpty());
+}
+
+TEST_F(KitLog, AnErrorWithoutLoggersIsLoggedFromTheThreadThatHasIt) {
+    DDLog::removeAllLoggers();
+    EXPECT_THAT(test::logged([&] { std::thread([] { KitLogError(kMethod, "an error"); }).join(); }),
+                ElementsAre("an error"));
+}
+
+TEST_F(KitLog, AnErrorWhoseLoggersWentBeforeItWasHandledIsLogged) {
+    recorder->whenLogged = [](const DDLogMessage& message) {
+        if (message.message != "first") return;
+        KitLogInfo(kMethod, "information");
+        KitLogError(kMethod, "an error");
+        DDLog::removeAllLoggers();
+    };
+    EXPECT_THAT(test::logged([&] { KitLogError(kMethod, "first"); }), ElementsAre("an error"));
+    EXPECT_THAT(recorder->texts(), ElementsAre("first"));
+}
+
+TEST_F(KitLog, ANullLoggerIsNamedAndNotAdded) {
+    EXPECT_THAT(test::logged([&] {
+                    DDLog::addLogger(nullptr);
+                    KitLogError(kMethod, "an error");
+                }),
+                ElementsAre("+[DDLog addLogger:withLevel:]: the logger is null"));
+    EXPECT_THAT(recorder->texts(), ElementsAre("an error"));
+}
+
 TEST_F(KitLog, LoggersThatAreRemovedGetWhatWasLoggedBefore) {
     KitLogInfo(kMethod, "before");
     DDLog::removeAllLoggers();
-    KitLogError(kMethod, "after");
+    EXPECT_THAT(test::logged([&] { KitLogError(kMethod, "after"); }), ElementsAre("after"));
     EXPECT_THAT(recorder->texts(), ElementsAre("before"));
     EXPECT_EQ(recorder.use_count(), 1);
 }
@@ -230,7 +276,7 @@ TEST_F(KitLog, ALoggerMayLogWhenItGoes) {
         void logMessage(const DDLogMessage&) override {}
     };
     DDLog::addLogger(std::make_shared<LastWords>());
-    DDLog::removeAllLoggers();
+    EXPECT_THAT(test::logged([&] { DDLog::removeAllLoggers(); }), ElementsAre("last words"));
     const auto late = addRecorder();
     DDLog::flushLog();
     EXPECT_THAT(late->texts(), IsEmpty());

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Support/LoggedTexts.h"
 #include "Support/TemporaryFolder.h"
 
 #include <AppKit/NSApplication.h>
@@ -59,11 +60,15 @@ public:
         return commits;
     }
     void doIt(NSObject*) { note(" does it"); }
+    void loadView() override {
+        if (!hasNoView) NSViewController::loadView();
+    }
 
     std::optional<NSView*> keyView;
     std::shared_ptr<NSImage> image = make<NSImage>(&NSImage::initWithSize, NSSize{32, 32});
     std::function<void()> onAppear, onDisappear;
     bool commits = true;
+    bool hasNoView = false;
 
 private:
     void note(const char* what) { happenings().push_back(name_ + what); }
@@ -685,6 +690,66 @@ TEST_F(PreferencesWindow, LeavesTheWindowInPeaceWhenItGoes) {
     EXPECT_EQ(window->delegate(), nullptr);
     window->setFrameTopLeftPoint({1, 2});
     EXPECT_EQ(stored("MASPreferences Frame Top Left"), "untouched");
+}
+
+// Mistakes of a host
+
+TEST_F(PreferencesWindow, EntriesThatAreNoPanesAreNamedWhenTheyAreGiven) {
+    const auto general = pane("general");
+    const auto controller = make<NSViewController>();
+    EXPECT_THAT(
+        test::logged([&] {
+            open({general, NSNull::null(), nullptr, make<NSView>(), controller});
+        }),
+        ElementsAre("-[MASPreferencesWindowController initWithViewControllers:title:]: (null) is no pane",
+                    "-[MASPreferencesWindowController initWithViewControllers:title:]: NSView is no pane",
+                    "-[MASPreferencesWindowController initWithViewControllers:title:]: NSViewController "
+                    "is no pane"));
+    EXPECT_EQ(controller_->selectedViewController(), general);
+    EXPECT_THAT(test::logged([&] {
+                    for (std::uint64_t i = 1; i < 5; ++i) controller_->selectControllerAtIndex(i);
+                }),
+                IsEmpty())
+        << "they have been named";
+    EXPECT_EQ(controller_->selectedViewController(), nullptr);
+    controller_->goPreviousTab(nullptr);
+    controller_->goNextTab(nullptr);
+}
+
+TEST_F(PreferencesWindow, WhatIsNoPaneIsNamedWhenItIsSelectedAndEmptiesTheWindow) {
+    open({pane("general")});
+    EXPECT_THAT(
+        test::logged([&] { controller_->setSelectedViewController(make<NSViewController>()); }),
+        ElementsAre("-[MASPreferencesWindowController setSelectedViewController:]: NSViewController is no "
+                    "pane"));
+    EXPECT_EQ(controller_->selectedViewController(), nullptr);
+    EXPECT_THAT(test::logged([&] { controller_->setSelectedViewController(nullptr); }), IsEmpty());
+}
+
+TEST_F(PreferencesWindow, APaneWithoutAViewIsNamedAndNotShown) {
+    const auto viewless = pane("viewless");
+    viewless->setView(nullptr);
+    viewless->hasNoView = true;
+    open({pane("general"), viewless});
+    taken();
+    EXPECT_THAT(
+        test::logged([&] { controller_->selectControllerAtIndex(1); }),
+        ElementsAre("-[MASPreferencesWindowController setSelectedViewController:]: PreferencesPane has no "
+                    "view"));
+    EXPECT_EQ(controller_->selectedViewController(), nullptr);
+    EXPECT_THAT(taken(), ElementsAre("general commits", "general disappeared"));
+}
+
+TEST_F(PreferencesWindow, WithoutPanesThereIsNoneToGoTo) {
+    for (const auto& panes : {MASPreferencesWindowController::Controllers{},
+                              MASPreferencesWindowController::Controllers{NSNull::null(), NSNull::null()}}) {
+        open(panes);
+        for (const auto step :
+             {&MASPreferencesWindowController::goNextTab, &MASPreferencesWindowController::goPreviousTab})
+            EXPECT_THAT(test::logged([&] { (controller_.get()->*step)(nullptr); }),
+                        ElementsAre("A MASPreferencesWindowController is to show another pane, and has none"));
+        EXPECT_EQ(controller_->selectedViewController(), nullptr);
+    }
 }
 
 } // namespace zr

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "Support/LoggedTexts.h"
+
 #include <AppKit/NSButton.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
@@ -227,6 +229,19 @@ TEST_F(ZRAlertTest, QuittingEndsTheQuestionWithoutAnAnswer) {
     ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander({ZRAlertAction::OK(note("ok"))}, "Title",
                                                                      "Info", 0, nullptr, noteClick());
     EXPECT_TRUE(log_.empty());
+}
+
+TEST_F(ZRAlertTest, AnActionThatIsNullIsLeftOutAndNamed) {
+    const auto discard = ZRAlertAction::DISCARD(note("discard")),
+               cancel = ZRAlertAction::CANCEL(note("cancel"));
+    answer(1);
+    EXPECT_THAT(test::logged([&] {
+                    ZRAlert::Actions_title_info_alertStyle_accessoryView_clickHander(
+                        {discard, nullptr, cancel}, "Title", std::nullopt, 0, nullptr, noteClick());
+                }),
+                ElementsAre("+[ZRAlert Actions:title:info:…]: an action that is null is left out"));
+    EXPECT_THAT(titles_, ElementsAre("Drop", "Never mind"));
+    EXPECT_THAT(log_, ElementsAre("cancel", "clicked Never mind"));
 }
 
 } // namespace zr
