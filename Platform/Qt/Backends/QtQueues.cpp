@@ -3,7 +3,10 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QObject>
 #include <QThread>
+#include <QThreadPool>
+#include <QTimer>
 
 #include <algorithm>
 #include <chrono>
@@ -28,22 +31,52 @@ void nameThisThread() {
 
 } // namespace
 
-QtQueues::QtQueues() {
-    // Blocks that wait for the disk must not keep others from running.
-    constexpr int kFewestThreads = 8;
-    pool_.setMaxThreadCount(std::max(kFewestThreads, QThread::idealThreadCount()));
-    timer_.setSingleShot(true);
-    timer_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer_, &QTimer::timeout, this, [this] { runDueBlocks(); });
-}
+// What belongs to the main thread.
+class QtQueues::Pump final : public QObject {
+public:
+    explicit Pump(QtQueues& owner) : owner_(owner) {
+        // Blocks that wait for the disk must not keep others from running.
+        constexpr int kFewestThreads = 8;
+        pool.setMaxThreadCount(std::max(kFewestThreads, QThread::idealThreadCount()));
+        timer.setSingleShot(true);
+        timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&timer, &QTimer::timeout, this, [this] { owner_.runDueBlocks(); });
+    }
+
+    QTimer timer;
+    QThreadPool pool;
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != kWakeEvent) return QObject::event(event);
+        {
+            const std::lock_guard guard(owner_.lock_);
+            owner_.wakePosted_ = false;
+        }
+        owner_.runDueBlocks();
+        return true;
+    }
+
+private:
+    QtQueues& owner_;
+};
+
+QtQueues::QtQueues() : pump_(std::make_unique<Pump>(*this)) {}
 
 QtQueues::~QtQueues() { finish(); }
 
 void QtQueues::finish() {
-    pool_.clear();
-    pool_.waitForDone();
+    if (!pump_) return;
+    {
+        const std::lock_guard guard(lock_);
+        finishing_ = true;
+    }
+    pump_->pool.clear();
+    pump_->pool.waitForDone();
+    std::unique_ptr<Pump> gone;
     decltype(blocks_) dropped;
     const std::lock_guard guard(lock_);
+    gone.swap(pump_);
     dropped.swap(blocks_);
 }
 
@@ -54,33 +87,26 @@ std::uint64_t QtQueues::now() const {
 
 void QtQueues::postToMain(std::uint64_t when, std::function<void()> block) {
     const std::lock_guard guard(lock_);
+    if (finishing_) return;
     const bool first = blocks_.empty() || when < blocks_.begin()->first;
     blocks_.emplace(when, std::move(block));
     if (first) wake();
 }
 
 void QtQueues::postToGlobal(std::function<void()> block) {
-    pool_.start([block = std::move(block)] {
+    const std::lock_guard guard(lock_);
+    if (finishing_) return;
+    pump_->pool.start([block = std::move(block)] {
         nameThisThread();
         block();
     });
 }
 
-bool QtQueues::isMainThread() const { return QThread::currentThread() == thread(); }
-
-bool QtQueues::event(QEvent* event) {
-    if (event->type() != kWakeEvent) return QObject::event(event);
-    {
-        const std::lock_guard guard(lock_);
-        wakePosted_ = false;
-    }
-    runDueBlocks();
-    return true;
-}
+bool QtQueues::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
 
 void QtQueues::wake() {
     if (std::exchange(wakePosted_, true)) return;
-    QCoreApplication::postEvent(this, new QEvent(kWakeEvent));
+    QCoreApplication::postEvent(pump_.get(), new QEvent(kWakeEvent));
 }
 
 void QtQueues::runDueBlocks() {
@@ -108,7 +134,7 @@ void QtQueues::runDueBlocks() {
 
 void QtQueues::waitForNext() {
     const std::lock_guard guard(lock_);
-    if (blocks_.empty()) return;
+    if (blocks_.empty() || !pump_) return;
     const std::uint64_t when = blocks_.begin()->first, time = now();
     if (when <= time) {
         wake();
@@ -116,7 +142,7 @@ void QtQueues::waitForNext() {
     }
     constexpr std::uint64_t kMillisecond = 1'000'000;
     const std::uint64_t milliseconds = (when - time + kMillisecond - 1) / kMillisecond;
-    timer_.start(static_cast<int>(std::min<std::uint64_t>(milliseconds, 1'000'000'000)));
+    pump_->timer.start(static_cast<int>(std::min<std::uint64_t>(milliseconds, 1'000'000'000)));
 }
 
 } // namespace zr::qt
