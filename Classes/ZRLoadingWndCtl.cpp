@@ -14,6 +14,13 @@ ZR_CLASS_TABLE(ZRLoadingWndCtl, .actions = {actionNamed<&ZRLoadingWndCtl::cancel
 
 bool ZRLoadingWndCtl::init() { return initWithWindowNibName_owner("ZRLoadingWndCtl", retained(this)); }
 
+void ZRLoadingWndCtl::dealloc() {
+    // Nobody else would end the sheet.
+    if (isWindowLoaded())
+        if (const auto sheet = window(); sheet && sheet->isSheet()) sheet->close();
+    NSWindowController::dealloc();
+}
+
 void ZRLoadingWndCtl::windowDidLoad() {
     NSWindowController::windowDidLoad();
     if (const auto button = btnCancel()) button->setTitle(KitLocalizedString("Cancel"));

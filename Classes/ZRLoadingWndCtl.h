@@ -23,6 +23,7 @@ public:
     ZR_CLASS(ZRLoadingWndCtl, NSWindowController)
 
     bool init() override;
+    void dealloc() override; // closes the sheet
     void windowDidLoad() override;
 
     // Shows the sheet over the window, with the bar at its beginning.

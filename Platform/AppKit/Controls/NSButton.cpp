@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <AppKit/HeldClient.h>
 #include <AppKit/NSButton.h>
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSWindow.h>
@@ -12,10 +13,9 @@ namespace zr {
 ZR_CLASS_TABLE(NSButton, .actions = {actionNamed<&NSButton::performClick>("performClick:")},
                .attributes = {attributeNamed<&NSButton::setTitle>("title")})
 
-struct NSButton::Client final : port::ButtonClient {
-    explicit Client(NSButton& owner) : button(owner) {}
-    void peerPressed() override { button.performClick(nullptr); }
-    NSButton& button;
+struct NSButton::Client final : HeldClient<NSButton, port::ButtonClient> {
+    using HeldClient::HeldClient;
+    void peerPressed() override { entered(&NSButton::performClick, nullptr); }
 };
 
 NSButton::NSButton() = default;
@@ -45,10 +45,8 @@ void NSButton::setTitle(const std::string& title) {
     if (button_) button_->setTitle(title);
 }
 
-void NSButton::setEnabled(bool enabled) {
-    NSControl::setEnabled(enabled);
-    if (!enabled && window() && window()->firstResponder() == this) window()->makeFirstResponder(nullptr);
-    if (button_) button_->setEnabled(enabled);
+void NSButton::tellPeerEnabled() {
+    if (button_) button_->setEnabled(isEnabled());
 }
 
 void NSButton::performClick(NSObject*) {

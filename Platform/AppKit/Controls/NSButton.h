@@ -27,7 +27,6 @@ public:
 
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
-    void setEnabled(bool enabled) override;
     // The key that presses the button wherever the keyboard is: "\r" makes it the default button. Empty for
     // none.
     const std::string& keyEquivalent() const { return keyEquivalent_; }
@@ -48,6 +47,7 @@ public:
 protected:
     std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                              port::ViewClient& client) override;
+    void tellPeerEnabled() override;
     void peerWillGo() override { button_ = nullptr; }
 
 private:

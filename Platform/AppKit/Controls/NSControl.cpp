@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSControl.h>
+#include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSLog.h>
 
@@ -18,8 +19,11 @@ bool NSControl::initWithCoder(NSCoder& coder) {
 }
 
 void NSControl::setEnabled(bool enabled) {
+    const auto held = retained(this);
     enabled_ = enabled;
     setNeedsDisplay(true);
+    if (!enabled && window() && window()->firstResponder() == this) window()->makeFirstResponder(nullptr);
+    tellPeerEnabled(); // what holds now: whoever had a last word may have changed it
 }
 
 void NSControl::setTarget(const Unretained<NSObject>& target) {

@@ -16,7 +16,8 @@ public:
     bool initWithCoder(NSCoder& coder) override;
 
     bool isEnabled() const { return enabled_; }
-    virtual void setEnabled(bool enabled); // asks for drawing
+    // Asks for drawing. A control that is switched off lets go of the keyboard.
+    virtual void setEnabled(bool enabled);
 
     // Not retained. Without a target the action goes along the responder chain; without an action nothing is
     // sent. The log names an action that nobody takes.
@@ -30,6 +31,9 @@ public:
     virtual void setFont(const NSFont& font); // asks for drawing
     // Takes the size that its contents need.
     virtual void sizeToFit() {}
+
+protected:
+    virtual void tellPeerEnabled() {}
 
 private:
     std::weak_ptr<NSObject> target_;

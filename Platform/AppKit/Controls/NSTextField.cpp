@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include <AppKit/HeldClient.h>
 #include <AppKit/NSStringDrawing.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
 #include <Foundation/NSString.h>
+#include <Foundation/ValueGuard.h>
 #include <WindowSystem/Controls.h>
 
 #include <cmath>
@@ -15,13 +17,12 @@ ZR_CLASS_TABLE(NSTextField, .actions = {actionNamed<&NSTextField::selectText>("s
                .outlets = {outletNamed<&NSTextField::setDelegate>("delegate")},
                .attributes = {attributeNamed<&NSTextField::setStringValue>("stringValue")})
 
-struct NSTextField::Client final : port::TextFieldClient {
-    explicit Client(NSTextField& owner) : field(owner) {}
-    void peerTextEdited(const std::string& text) override { field.edited(text); }
-    void peerReturn() override { field.returned(); }
-    bool peerEscape() override { return field.escaped(); }
-    void peerTab(bool backwards) override { field.tabbed(backwards); }
-    NSTextField& field;
+struct NSTextField::Client final : HeldClient<NSTextField, port::TextFieldClient> {
+    using HeldClient::HeldClient;
+    void peerTextEdited(const std::string& text) override { entered(&NSTextField::edited, text); }
+    void peerReturn() override { entered(&NSTextField::returned); }
+    bool peerEscape() override { return entered(&NSTextField::escaped); }
+    void peerTab(bool backwards) override { entered(&NSTextField::tabbed, backwards); }
 };
 
 NSTextField::NSTextField() = default;
@@ -120,10 +121,8 @@ void NSTextField::setFocusRingType(NSFocusRingType type) {
     tellPeer();
 }
 
-void NSTextField::setEnabled(bool enabled) {
-    NSControl::setEnabled(enabled);
-    if (!enabled && window() && window()->firstResponder() == this) window()->makeFirstResponder(nullptr);
-    if (field_) field_->setEnabled(enabled);
+void NSTextField::tellPeerEnabled() {
+    if (field_) field_->setEnabled(isEnabled());
 }
 
 void NSTextField::selectText(NSObject*) {
@@ -145,7 +144,6 @@ bool NSTextField::resignFirstResponder() { return (!editable_ && !editing_) || e
 NSNotification NSTextField::notification(const char* name) { return {name, this}; }
 
 void NSTextField::edited(const std::string& text) {
-    const auto held = retained(this);
     const auto delegate = this->delegate();
     if (!editing_) {
         if (delegate && !delegate->control_textShouldBeginEditing(*this, *this).value_or(true)) {
@@ -167,9 +165,10 @@ bool NSTextField::endEditing(NSTextMovement movement) {
     if (asking_) return false; // what is shown in the answer takes the keyboard
     const auto held = retained(this);
     const auto delegate = this->delegate();
-    asking_ = true;
-    const bool ends = !delegate || delegate->control_textShouldEndEditing(*this, *this).value_or(true);
-    asking_ = false;
+    const bool ends = [&] {
+        const ValueGuard asking(asking_, true);
+        return !delegate || delegate->control_textShouldEndEditing(*this, *this).value_or(true);
+    }();
     if (ends)
         didEndEditing(movement);
     else
@@ -182,9 +181,8 @@ void NSTextField::didEndEditing(NSTextMovement movement) {
     editing_ = false;
     auto ended = notification("NSControlTextDidEndEditingNotification");
     ended.userInfo["NSTextMovement"] = double(movement);
-    const bool outer = std::exchange(ending_, true);
+    const ValueGuard ending(ending_, true);
     if (const auto delegate = this->delegate()) delegate->controlTextDidEndEditing(ended);
-    ending_ = outer;
 }
 
 bool NSTextField::endEditingUnasked(bool afterRefusal) {
@@ -194,7 +192,6 @@ bool NSTextField::endEditingUnasked(bool afterRefusal) {
 }
 
 void NSTextField::returned() {
-    const auto held = retained(this);
     if (editable_ && !endEditing(NSReturnTextMovement)) return;
     if (!action().empty())
         sendAction_to(action(), target());
@@ -211,12 +208,10 @@ bool NSTextField::escaped() {
 }
 
 void NSTextField::tabbed(bool backwards) {
-    const auto held = retained(this);
     if (!window()) return;
-    movement_ = backwards ? NSBacktabTextMovement : NSTabTextMovement;
+    const ValueGuard movement(movement_, backwards ? NSBacktabTextMovement : NSTabTextMovement);
     // The only one ends and goes on at once.
     if (!window()->selectKeyView(this, backwards) && endEditing(movement_)) selectText(nullptr);
-    movement_ = NSOtherTextMovement;
 }
 
 std::unique_ptr<port::ViewPeer> NSTextField::makePeer(port::PeerFactory& factory, port::ViewPeer& parent,

@@ -102,7 +102,6 @@ public:
     void setBezeled(bool bezeled);
     NSFocusRingType focusRingType() const { return focusRingType_; }
     void setFocusRingType(NSFocusRingType type);
-    void setEnabled(bool enabled) override;
     // The user has changed the text, and the editing has not ended.
     bool isEditing() const { return editing_; }
     // Of a label of several lines: what does not fit can be scrolled to, with the wheel, a bar and the keys. To
@@ -121,6 +120,7 @@ public:
 protected:
     std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                              port::ViewClient& client) override;
+    void tellPeerEnabled() override;
     void peerWillGo() override {
         label_ = nullptr;
         field_ = nullptr;

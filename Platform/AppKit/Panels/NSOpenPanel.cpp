@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <AppKit/HeldClient.h>
 #include <AppKit/NSOpenPanel.h>
 #include <AppKit/NSWindow.h>
 #include <AppKit/PanelSupport.h>
@@ -12,10 +13,9 @@ namespace zr {
 
 ZR_CLASS_TABLE(NSOpenPanel)
 
-struct NSOpenPanel::Client final : port::OpenPanelClient {
-    explicit Client(NSOpenPanel& owner) : panel(owner) {}
-    void peerChose(const std::vector<std::string>& paths) override { panel.chose(paths); }
-    NSOpenPanel& panel;
+struct NSOpenPanel::Client final : HeldClient<NSOpenPanel, port::OpenPanelClient> {
+    using HeldClient::HeldClient;
+    void peerChose(const std::vector<std::string>& paths) override { entered(&NSOpenPanel::chose, paths); }
 };
 
 NSOpenPanel::NSOpenPanel() = default;
@@ -78,7 +78,6 @@ void NSOpenPanel::beginSheetModalForWindow_completionHandler(NSWindow* window,
 }
 
 void NSOpenPanel::chose(const std::vector<std::string>& paths) {
-    const auto held = retained(this);
     if (!peer_) return;
     for (const auto& path : paths) urls_.push_back(NSURL::fileURLWithPath(path));
     if (!self_) { // runModal waits

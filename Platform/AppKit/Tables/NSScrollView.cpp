@@ -13,21 +13,30 @@ namespace zr {
 ZR_CLASS_TABLE(NSClipView)
 ZR_CLASS_TABLE(NSScrollView)
 
-void NSClipView::setDocumentView(const std::shared_ptr<NSView>& view) {
-    if (view == documentView_) return;
-    if (documentView_ && documentView_->superview() == this) documentView_->removeFromSuperview();
+bool NSClipView::isFlipped() const {
+    const auto document = documentView();
+    return document && document->isFlipped();
+}
+
+void NSClipView::setDocumentView(const std::shared_ptr<NSView>& given) {
+    const auto held = retained(this);
+    const auto view = given; // whoever is called may reset where it came from
+    const auto old = documentView();
+    if (view == old) return;
+    if (old && old->superview() == this) old->removeFromSuperview();
     documentView_ = view;
     if (!view) return;
     const auto inFront = subviews();
     addSubview(view);
     for (const auto& subview : inFront)
-        if (subview != view) addSubview(subview);
+        if (subview != view && subview->superview() == this) addSubview(subview);
     view->setFrame(bounds());
 }
 
 void NSClipView::resizeSubviewsWithOldSize(const NSSize& oldSize) {
     NSView::resizeSubviewsWithOldSize(oldSize);
-    if (documentView_ && documentView_->superview() == this) documentView_->setFrame(bounds());
+    const auto document = documentView();
+    if (document && document->superview() == this) document->setFrame(bounds());
 }
 
 bool NSScrollView::initWithFrame(const NSRect& frame) {

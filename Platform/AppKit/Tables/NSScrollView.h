@@ -14,13 +14,14 @@ enum NSBorderType : unsigned { NSNoBorder = 0, NSLineBorder = 1, NSBezelBorder =
 class ZR_EXPORT NSClipView : public NSView {
 public:
     ZR_CLASS(NSClipView, NSView)
-    bool isFlipped() const override { return documentView_ && documentView_->isFlipped(); }
-    const std::shared_ptr<NSView>& documentView() const { return documentView_; }
+    bool isFlipped() const override;
+    // Held as a subview; null once it has gone.
+    std::shared_ptr<NSView> documentView() const { return documentView_.lock(); }
     void setDocumentView(const std::shared_ptr<NSView>& view); // becomes its rearmost subview
     void resizeSubviewsWithOldSize(const NSSize& oldSize) override;
 
 private:
-    std::shared_ptr<NSView> documentView_;
+    std::weak_ptr<NSView> documentView_;
 };
 
 // A frame around a document that scrolls itself, such as a table, whose header it shows above. There is nothing
@@ -35,7 +36,7 @@ public:
     bool isFlipped() const override { return true; }
     const std::shared_ptr<NSClipView>& contentView() const { return contentView_; }
     void setContentView(const std::shared_ptr<NSClipView>& view); // with the document that it has
-    const std::shared_ptr<NSView>& documentView() const { return contentView_->documentView(); }
+    std::shared_ptr<NSView> documentView() const { return contentView_->documentView(); }
     void setDocumentView(const std::shared_ptr<NSView>& view);
     NSBorderType borderType() const { return borderType_; } // none at first
     void setBorderType(NSBorderType type);                  // all kinds are a line

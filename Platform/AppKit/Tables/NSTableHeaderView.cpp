@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <AppKit/HeldClient.h>
 #include <AppKit/NSTableHeaderView.h>
 #include <AppKit/NSTableView.h>
 #include <WindowSystem/Tables.h>
@@ -7,16 +8,17 @@ namespace zr {
 
 ZR_CLASS_TABLE(NSTableHeaderView)
 
-struct NSTableHeaderView::Client final : port::TableHeaderClient {
-    explicit Client(NSTableHeaderView& owner) : header(owner) {}
+struct NSTableHeaderView::Client final : HeldClient<NSTableHeaderView, port::TableHeaderClient> {
+    using HeldClient::HeldClient;
     void peerColumnResized(std::size_t column, double width) override {
-        if (!header.tableView_) return;
-        const auto resized = header.tableView_->tableColumns().at(column);
-        resized->setWidth(width);
-        // What went beyond the limits is put back.
-        if (resized->width() != width) header.columnsChanged();
+        entered([&] {
+            if (!self.tableView_ || column >= self.tableView_->tableColumns().size()) return;
+            const auto resized = self.tableView_->tableColumns()[column];
+            resized->setWidth(width);
+            // What went beyond the limits is put back.
+            if (resized->width() != width) self.columnsChanged();
+        });
     }
-    NSTableHeaderView& header;
 };
 
 NSTableHeaderView::NSTableHeaderView() = default;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <AppKit/HeldClient.h>
 #include <AppKit/NSScrollView.h>
 #include <AppKit/NSTableView.h>
 #include <AppKit/NSWindow.h>
@@ -19,11 +20,12 @@ ZR_CLASS_TABLE(NSTableView,
                .outlets = {outletNamed<&NSTableView::setDataSource>("dataSource"),
                            outletNamed<&NSTableView::setDelegate>("delegate")})
 
-struct NSTableView::Client final : port::TableClient {
-    explicit Client(NSTableView& owner) : table(owner) {}
-    std::string peerText(std::size_t row, std::size_t column) override { return table.text(row, column); }
-    void peerScrolled(const CGRect& visible) override { table.scrolled(visible); }
-    NSTableView& table;
+struct NSTableView::Client final : HeldClient<NSTableView, port::TableClient> {
+    using HeldClient::HeldClient;
+    std::string peerText(std::size_t row, std::size_t column) override {
+        return entered(&NSTableView::text, row, column);
+    }
+    void peerScrolled(const CGRect& visible) override { entered(&NSTableView::scrolled, visible); }
 };
 
 namespace {
@@ -87,9 +89,8 @@ long NSTableView::numberOfRows() {
 }
 
 std::string NSTableView::text(std::size_t row, std::size_t column) {
-    const auto held = retained(this);
     const auto source = dataSource();
-    if (!source || column >= columns_.size()) return {};
+    if (!source || column >= columns_.size() || static_cast<long>(row) >= rowCount_.value_or(0)) return {};
     const auto ofColumn = columns_[column];
     return source->tableView_objectValueForTableColumn_row(*this, *ofColumn, static_cast<long>(row));
 }
@@ -145,7 +146,6 @@ NSScrollView* NSTableView::enclosingScrollView() const {
 double NSTableView::rowHeight() const { return table_ ? table_->rowHeight() : port::kUsualRowHeight; }
 
 void NSTableView::scrolled(const NSRect& visible) {
-    const auto held = retained(this);
     setBoundsOrigin(visible.origin);
     if (std::exchange(visibleSize_, visible.size).width != visible.size.width) sizeLastColumnToFit();
     if (headerView_) headerView_->columnsChanged();
@@ -215,10 +215,8 @@ void NSTableView::scrollRowToVisible(long row) {
     if (table_ && row >= 0 && row < numberOfRows()) table_->scrollToRow(static_cast<std::size_t>(row));
 }
 
-void NSTableView::setEnabled(bool enabled) {
-    NSControl::setEnabled(enabled);
-    if (!enabled && window() && window()->firstResponder() == this) window()->makeFirstResponder(nullptr);
-    if (table_) table_->setEnabled(enabled);
+void NSTableView::tellPeerEnabled() {
+    if (table_) table_->setEnabled(isEnabled());
 }
 
 bool NSTableView::mayBeSelected(long row) {
@@ -233,7 +231,11 @@ void NSTableView::selectByUser(long row, bool extends) {
     std::erase_if(rows, [this](std::size_t each) {
         return !selected_.contains(each) && !mayBeSelected(static_cast<long>(each));
     });
-    if (rows.empty()) return;
+    // Whoever was asked may have taken rows away.
+    rows.erase(rows.lower_bound(static_cast<std::size_t>(numberOfRows())), rows.end());
+    if (!rows.contains(static_cast<std::size_t>(row)))
+        row = rows.empty() ? -1 : static_cast<long>(*rows.rbegin());
+    if (row < 0) return;
     if (!many) anchor_ = row;
     moving_ = row;
     setSelection(std::move(rows));
@@ -255,7 +257,7 @@ void NSTableView::mouseDown(const NSEvent& event) {
         rest.erase(static_cast<std::size_t>(row));
         anchor_ = moving_ = row;
         if (!rest.empty() || allowsEmptySelection_) setSelection(std::move(rest));
-    } else if (mayBeSelected(row)) {
+    } else if (mayBeSelected(row) && row < numberOfRows()) {
         selectRowIndexes_byExtendingSelection({static_cast<std::size_t>(row)}, true);
     }
 }

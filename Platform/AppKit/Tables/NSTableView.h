@@ -108,7 +108,6 @@ public:
     bool isFlipped() const override { return true; }
     bool acceptsFirstResponder() const override { return isEnabled(); }
     bool needsPanelToBecomeKey() const override { return true; }
-    void setEnabled(bool enabled) override;
     void layout() override;
     void mouseDown(const NSEvent& event) override;
     void mouseDragged(const NSEvent& event) override;
@@ -118,6 +117,7 @@ public:
 protected:
     std::unique_ptr<port::ViewPeer> makePeer(port::PeerFactory& factory, port::ViewPeer& parent,
                                              port::ViewClient& client) override;
+    void tellPeerEnabled() override;
     void peerWillGo() override;
 
 private:

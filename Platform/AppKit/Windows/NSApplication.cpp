@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "HeldClient.h"
 #include "InstalledSystem.h"
 
 #include <AppKit/DrawingSystem.h>
@@ -7,6 +8,7 @@
 #include <AppKit/NSWindow.h>
 #include <Foundation/Dispatch.h>
 #include <Foundation/NSLog.h>
+#include <Foundation/ValueGuard.h>
 
 #include <algorithm>
 #include <iterator>
@@ -66,9 +68,8 @@ void NSApplication::run() {
 void NSApplication::terminate(NSObject*) {
     if (!installedSystem() || terminating_ || asksToTerminate_) return;
     if (const auto delegate = delegate_.lock()) {
-        asksToTerminate_ = true;
+        const ValueGuard asks(asksToTerminate_, true);
         const auto reply = delegate->applicationShouldTerminate(*this);
-        asksToTerminate_ = false;
         if (reply == NSTerminateCancel) return;
     }
     terminating_ = true;
@@ -164,9 +165,10 @@ bool NSApplication::deliver(NSWindow& window, const NSEvent& event) {
     }
     auto& taken = installedSystem()->eventWasTaken;
     const bool outer = std::exchange(taken, true);
-    ++eventsInHand_;
-    window.sendEvent(event);
-    --eventsInHand_;
+    {
+        const ValueGuard inHand(eventsInHand_, eventsInHand_ + 1);
+        contained(window, [&] { window.sendEvent(event); });
+    }
     // The platform may have gone in the meantime.
     auto* const installed = installedSystem();
     const bool wasTaken = !installed || std::exchange(installed->eventWasTaken, outer);

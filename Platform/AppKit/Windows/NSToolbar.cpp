@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "HeldClient.h"
 #include "InstalledSystem.h"
 
 #include <AppKit/NSImage.h>
@@ -18,10 +19,9 @@ bool NSToolbarItem::initWithItemIdentifier(const NSToolbarItemIdentifier& identi
     return true;
 }
 
-struct NSToolbar::Client final : port::ToolbarClient {
-    explicit Client(NSToolbar& owner) : toolbar(owner) {}
-    void peerClicked(std::size_t index) override { toolbar.clicked(index); }
-    NSToolbar& toolbar;
+struct NSToolbar::Client final : HeldClient<NSToolbar, port::ToolbarClient> {
+    using HeldClient::HeldClient;
+    void peerClicked(std::size_t index) override { entered(&NSToolbar::clicked, index); }
 };
 
 NSToolbar::NSToolbar() : client_(std::make_unique<Client>(*this)) {}
@@ -106,7 +106,6 @@ void NSToolbar::tellSelection() {
 }
 
 void NSToolbar::clicked(std::size_t index) {
-    const auto held = retained(this);
     if (index >= items_.size()) return;
     const auto item = items_[index];
     if (std::ranges::find(selectable_, item->itemIdentifier()) != selectable_.end())

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "HeldClient.h"
 #include "InstalledSystem.h"
 #include "ViewHost.h"
 
@@ -13,27 +14,27 @@ namespace zr {
 
 ZR_CLASS_TABLE(NSView, .outlets = {outletNamed<&NSView::setNextKeyView>("nextKeyView")})
 
-struct NSView::Client final : port::ViewClient {
-    explicit Client(NSView& owner) : view(owner) {}
+struct NSView::Client final : HeldClient<NSView, port::ViewClient> {
+    using HeldClient::HeldClient;
 
     void peerDraw(port::OperationList& list, const CGRect& dirty) override {
-        NSRect own = dirty;
-        if (!view.isFlipped()) own.origin.y = view.frame_.size.height - NSMaxY(dirty);
-        view.displayInCanvas(list, NSIntersectionRect(own, view.bounds()));
+        entered([&] {
+            NSRect own = dirty;
+            if (!self.isFlipped()) own.origin.y = self.frame_.size.height - NSMaxY(dirty);
+            self.displayInCanvas(list, NSIntersectionRect(own, self.bounds()));
+        });
     }
-    bool peerDrawsUpwards() const override { return !view.isFlipped(); }
-    bool peerTakesFocusByPress() const override { return view.acceptsFirstResponder(); }
+    bool peerDrawsUpwards() const override { return !self.isFlipped(); }
+    bool peerTakesFocusByPress() const override { return self.acceptsFirstResponder(); }
     bool peerMayTakeFocus() override {
-        const auto held = retained(&view);
-        return view.host_ && view.host_->mayTakeFocus(view);
+        return entered([&] { return self.host_ && self.host_->mayTakeFocus(self); });
     }
     void peerFocusChanged(bool focused) override {
-        const auto held = retained(&view);
-        if (focused && view.host_) view.host_->focusConfirmed(view);
+        entered([&] {
+            if (focused && self.host_) self.host_->focusConfirmed(self);
+        });
     }
-    void peerGone() override { view.unrealise(); }
-
-    NSView& view;
+    void peerGone() override { entered(&NSView::unrealise); }
 };
 
 NSView::NSView() = default;
@@ -60,14 +61,14 @@ bool NSView::initWithCoder(NSCoder& coder) {
 }
 
 void NSView::setFrame(const NSRect& frame) {
+    const auto held = retained(this);
     const NSSize oldSize = frame_.size;
     if (frame == frame_) return;
     frame_ = frame;
     placePeer();
     if (frame.size == oldSize) return;
     // Peers hang from the top: those of an unflipped view move with its height although no frame changed.
-    if (!isFlipped() && frame.size.height != oldSize.height)
-        for (const auto& subview : subviews_) subview->placePeer();
+    if (!isFlipped() && frame.size.height != oldSize.height) placeSubviewsPeers();
     resizeSubviewsWithOldSize(oldSize);
     setNeedsLayout(true);
     setNeedsDisplay(true);
@@ -76,12 +77,14 @@ void NSView::setFrame(const NSRect& frame) {
 void NSView::setBoundsOrigin(const NSPoint& origin) {
     if (origin == boundsOrigin_) return;
     boundsOrigin_ = origin;
-    for (const auto& subview : subviews_) subview->placePeer();
+    placeSubviewsPeers();
 }
 
 NSWindow* NSView::window() const { return host_ ? &host_->window() : nullptr; }
 
-void NSView::addSubview(const std::shared_ptr<NSView>& view) {
+void NSView::addSubview(const std::shared_ptr<NSView>& given) {
+    const auto held = retained(this);
+    const auto view = given; // whoever is called may reset where it came from
     if (!view || isDescendantOf(*view)) {
         NSLog("-[NSView addSubview:]: %@", view ? "the view would contain itself" : "the view is null");
         return;
@@ -92,12 +95,14 @@ void NSView::addSubview(const std::shared_ptr<NSView>& view) {
         if (view->peer_) view->peer_->raise();
         return;
     }
-    if (!view->leavePlace()) return;
+    // Where whoever heard of that has put it somewhere, or this into it, that holds.
+    if (!view->leavePlace() || isDescendantOf(*view)) return;
     subviews_.push_back(view);
     view->superview_ = this;
     view->setNextResponder(this);
     view->moveToWindow(host_);
-    if (peer_) view->realise(installedSystem()->windowSystem, *peer_);
+    if (view->superview_ != this) return;
+    if (peer_ && !view->peer_) view->realise(installedSystem()->windowSystem, *peer_);
     setNeedsLayout(true);
     view->setNeedsLayout(view->needsLayout_);
     view->setNeedsDisplay(true);
@@ -106,9 +111,10 @@ void NSView::addSubview(const std::shared_ptr<NSView>& view) {
 void NSView::removeFromSuperview() {
     if (!superview_) return;
     const auto held = retained(this);
+    NSView* const superview = superview_;
+    const auto heldSuperview = retained(superview);
     if (host_) host_->viewWillLeave(*this);
-    NSView* const superview = superview_; // after what others did in the meantime
-    if (!superview) return;
+    if (superview_ != superview) return; // whoever heard of it has taken it away
     unrealise();
     superview_ = nullptr;
     setNextResponder(nullptr);
@@ -119,19 +125,22 @@ void NSView::removeFromSuperview() {
 
 bool NSView::leavePlace() {
     removeFromSuperview();
-    if (superview_ || !host_) return true;
-    host_->contentLeaves();
-    NSLog("A view is put elsewhere while it is the content of a window, which %@",
-          host_ ? "is the host's and keeps it" : "gets an empty one");
-    return !host_;
+    if (!superview_ && host_) {
+        host_->contentLeaves();
+        NSLog("A view is put elsewhere while it is the content of a window, which %@",
+              host_ ? "is the host's and keeps it" : "gets an empty one");
+    }
+    return !superview_ && !host_;
 }
 
 void NSView::moveToWindow(ViewHost* host) {
     if (host == host_) return;
+    const auto held = retained(this);
     host_ = host;
     viewDidMoveToWindow();
     const auto subviews = subviews_;
-    for (const auto& subview : subviews) subview->moveToWindow(host);
+    for (const auto& subview : subviews)
+        if (host_ == host && subview->superview_ == this) subview->moveToWindow(host);
 }
 
 bool NSView::isDescendantOf(const NSView& view) const {
@@ -142,8 +151,10 @@ bool NSView::isDescendantOf(const NSView& view) const {
 
 void NSView::setHidden(bool hidden) {
     if (hidden == hidden_) return;
+    const auto held = retained(this);
     hidden_ = hidden;
     if (hidden && host_) host_->viewWillLeave(*this);
+    if (hidden_ != hidden) return;
     if (peer_) peer_->setHidden(hidden);
     if (!hidden) setNeedsDisplay(true);
 }
@@ -310,7 +321,8 @@ void NSView::adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPee
     placePeer();
     if (hidden_) peer_->setHidden(true);
     const auto subviews = subviews_;
-    for (const auto& subview : subviews) subview->realise(factory, *peer_);
+    for (const auto& subview : subviews)
+        if (peer_ && subview->superview_ == this && !subview->peer_) subview->realise(factory, *peer_);
 }
 
 void NSView::unrealise() {
@@ -319,6 +331,11 @@ void NSView::unrealise() {
     for (const auto& subview : subviews) subview->unrealise();
     peerWillGo();
     peer_.reset();
+}
+
+void NSView::placeSubviewsPeers() {
+    const auto subviews = subviews_;
+    for (const auto& subview : subviews) subview->placePeer();
 }
 
 // Where y is turned over for frames.

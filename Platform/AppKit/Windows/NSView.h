@@ -147,6 +147,7 @@ private:
     void adoptPeer(port::PeerFactory& factory, std::unique_ptr<port::ViewPeer> peer);
     void unrealise();
     void placePeer();
+    void placeSubviewsPeers();
     void appearanceChanged();
 
     NSRect frame_;

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "InstalledSystem.h"
-#include "ViewHost.h"
+#include "NSWindowClient.h"
 #include "WindowBarsHolder.h"
-#include "WindowFocus.h"
-#include "WindowFrame.h"
-#include "WindowMouse.h"
 #include "WindowSheet.h"
 
-#include <AppKit/NSApplication.h>
-#include <AppKit/NSView.h>
-#include <AppKit/NSWindow.h>
 #include <Foundation/NSCoder.h>
+#include <Foundation/ValueGuard.h>
 
-#include <type_traits>
 #include <utility>
 
 namespace zr {
@@ -20,77 +14,6 @@ namespace zr {
 ZR_CLASS_TABLE(NSWindow, .actions = {actionNamed<&NSWindow::performClose>("performClose:")},
                .outlets = {outletNamed<&NSWindow::setDelegate>("delegate"),
                            outletNamed<&NSWindow::setInitialFirstResponder>("initialFirstResponder")})
-
-// What the window system, the views and the window's parts see of it.
-struct NSWindow::Client final : port::WindowClient, ViewHost, WindowFrame::Owner, WindowFocus::Owner {
-    explicit Client(NSWindow& owner) : self(owner) {}
-
-    // Whoever is called may let go of the window.
-    template <class Act, class... Arguments>
-    auto holding(const Act& act, Arguments... arguments) {
-        const auto held = retained(&self);
-        if constexpr (std::is_member_function_pointer_v<Act>)
-            return (self.*act)(arguments...);
-        else
-            return act();
-    }
-
-    // The window system's
-    bool peerEvent(const InputEvent& event) override {
-        return NSApplication::sharedApplication().deliver(self, NSEvent(event, self.contentSize().height));
-    }
-    void peerContentResized(CGSize size) override {
-        holding([&] { self.frame_->resized(size); });
-    }
-    void peerUpdate() override { holding(&NSWindow::update); }
-    bool peerShouldClose() override { return self.shouldClose(); }
-    void peerClosed() override { self.wasClosed(); }
-    void peerKeyChanged(bool key) override { holding(&NSWindow::keyChanged, key); }
-    void peerMoved() override {
-        holding([&] { self.frame_->moved(); });
-    }
-    void peerBlocked() override { self.cancelTracking(); }
-    void peerGone() override { holding(&NSWindow::wentAway); }
-    void peerShown() override { holding(&NSWindow::wasShown); }
-    void peerHidden() override { holding(&NSWindow::wasHidden); }
-    void peerRetitled(const std::string& title) override { self.title_ = title; }
-    void peerFocusLeft() override {
-        holding([&] { self.focus_->left(); });
-    }
-
-    // The views'
-    NSWindow& window() override { return self; }
-    void scheduleUpdate() override { self.scheduleUpdate(); }
-    void contentLeaves() override { holding(&NSWindow::setContentView, nullptr); }
-    void viewWillLeave(NSView& view) override {
-        holding([&] {
-            self.focus_->viewLeaves(view);
-            if (self.mouse_->viewLeaves(view)) self.cancelTracking();
-        });
-    }
-    bool mayTakeFocus(NSView& view) override {
-        return holding([&] { return self.closing_ || self.focus_->take(view); });
-    }
-    void focusConfirmed(NSView& view) override {
-        holding([&] {
-            if (!self.closing_) self.focus_->confirm(view);
-        });
-    }
-
-    // The parts'
-    port::WindowPeer* peer() override { return self.peer_.get(); }
-    double usualInset() override { return self.usualInset(); }
-    void frameMoved() override { self.didMove(); }
-    void contentResized() override { self.didResize(); }
-    NSResponder& asResponder() override { return self; }
-    NSView& content() override { return *self.contentView_; }
-    bool isHere(const NSView& view) override { return view.host_ == this; }
-    void giveKeyboard(NSView& view) override {
-        if (view.peer_) view.peer_->focus();
-    }
-
-    NSWindow& self;
-};
 
 NSWindow::NSWindow()
     : client_(std::make_unique<Client>(*this))
@@ -146,21 +69,26 @@ void NSWindow::setTitle(const std::string& title) {
 }
 
 void NSWindow::setContentView(const std::shared_ptr<NSView>& view) {
+    const auto held = retained(this);
     const auto old = contentView_;
     if ((view && view == old) || (foreign_ && old)) return;
     const auto next = view ? view : make<NSView>(NSRect{});
     if (!next->leavePlace()) return;
+    if (old) client_->viewWillLeave(*old);
+    // Where whoever heard of that has put it somewhere, or something else here, that holds.
+    if (next->superview() || contentView_ != old) return;
+    contentView_ = next;
     if (old) {
-        client_->viewWillLeave(*old);
         old->unrealise();
         old->setNextResponder(nullptr);
         old->moveToWindow(nullptr);
     }
-    contentView_ = next;
+    if (contentView_ != next) return;
     next->setNextResponder(this);
     next->setFrame({NSZeroPoint, contentSize()});
     next->moveToWindow(client_.get());
-    if (peer_) next->realiseAsContent(installedSystem()->windowSystem, *peer_);
+    if (contentView_ != next) return;
+    if (peer_ && !next->peer_) next->realiseAsContent(installedSystem()->windowSystem, *peer_);
     next->setNeedsLayout(true);
     next->setNeedsDisplay(true);
 }
@@ -276,24 +204,38 @@ std::unique_ptr<port::TrackingLoop> NSWindow::showModal() {
     if (!installedSystem()) return nullptr;
     wasShown();
     realise(false);
-    return installedSystem()->windowSystem.beginModal(*peer_);
+    return peer_ ? installedSystem()->windowSystem.beginModal(*peer_) : nullptr;
 }
 
 void NSWindow::showAsSheet(NSWindow* parent) {
     if (!systemFor("-[NSApplication beginSheet:modalForWindow:…]")) return;
+    const auto held = retained(this);
     // A second sheet stands over the first.
-    while (parent && parent->attachedSheet()) parent = parent->attachedSheet();
-    if (parent == this) return;
+    while (parent && parent != this && parent->attachedSheet()) parent = parent->attachedSheet();
+    if (parent == this) return; // where it stands already
+    // No window stands over itself, by way of others.
+    for (auto below = retained(parent); below; below = below->sheet_->parent())
+        if (below.get() == this) {
+            NSLog("-[NSApplication beginSheet:modalForWindow:…]: %@ is to be a sheet over itself", this);
+            return;
+        }
+    const auto heldParent = retained(parent);
+    endSheet();
     wasShown();
     realise(false);
+    if (!peer_) return; // closed by whoever heard of it
     sheet_->begin(retained(this), retained(parent), parent ? parent->sheet_.get() : nullptr);
     sheet_->show(installedSystem()->windowSystem, *peer_, parent ? parent->peer_.get() : nullptr);
 }
 
 void NSWindow::endSheet() {
     if (!isSheet()) return;
+    const auto held = retained(this);
     const auto parent = sheet_->parent();
+    const auto above = sheet_->attached();
     sheet_->end(peer_.get(), parent ? parent->sheet_.get() : nullptr);
+    // A sheet over this one goes on, over the parent.
+    if (parent && above && !parent->attachedSheet()) above->showAsSheet(parent.get());
 }
 
 bool NSWindow::isSheet() const { return sheet_->isSheet(); }
@@ -309,6 +251,7 @@ void NSWindow::wasShown() {
 }
 
 void NSWindow::orderOut(NSObject*) {
+    const auto held = retained(this);
     endSheet();
     visible_ = false;
     cancelTracking();
@@ -339,16 +282,17 @@ void NSWindow::close() {
 void NSWindow::wasClosed() {
     if (closing_ || !open_) return;
     const auto held = retained(this);
-    closing_ = true;
-    cancelTracking();
-    if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
-    visible_ = false;
-    if (const auto sheet = sheet_->attached()) sheet->close();
-    endSheet();
-    keyChanged(false);
-    if (!foreign_) unrealise();
-    open_ = false;
-    closing_ = false;
+    {
+        const ValueGuard closing(closing_, true);
+        cancelTracking();
+        if (const auto delegate = this->delegate()) delegate->windowWillClose(*this);
+        visible_ = false;
+        if (const auto sheet = sheet_->attached()) sheet->close();
+        endSheet();
+        keyChanged(false);
+        if (!foreign_) unrealise();
+        open_ = false;
+    }
     if (installedSystem()) NSApplication::sharedApplication().windowWasClosed(*this);
 }
 

@@ -20,6 +20,7 @@ void WindowSheet::show(port::WindowSystem& system, port::WindowPeer& own, port::
 void WindowSheet::end(port::WindowPeer* own, WindowSheet* ofParent) {
     isSheet_ = false;
     if (ofParent) ofParent->attached_.reset();
+    attached_.reset();
     parent_.reset();
     blocking_.reset();
     if (own) own->endSheet();

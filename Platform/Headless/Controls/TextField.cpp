@@ -43,7 +43,7 @@ bool TextField::key(const InputEvent& event) {
         break;
     }
     if ((event.modifierFlags & kShortcutFlags) != 0) return false;
-    if (editable_) type(event);
+    if (enabled_ && editable_) type(event);
     return true;
 }
 
@@ -66,7 +66,8 @@ void TextField::type(const InputEvent& event) {
 }
 
 std::vector<std::string> TextField::traits() const {
-    const std::array<std::pair<bool, const char*>, 6> all = {{
+    const std::array<std::pair<bool, const char*>, 7> all = {{
+        {!enabled_, "disabled"},
         {editable_, "editable"},
         {selectable_, "selectable"},
         {look_.bezeled, "bezel"},

@@ -14,7 +14,7 @@ public:
     void setText(const std::string& text) override { text_ = text; }
     void setLook(const port::TextFieldLook& look) override;
     void setEditing(bool editable, bool selectable) override;
-    void setEnabled(bool) override {}
+    void setEnabled(bool enabled) override { enabled_ = enabled; }
     void selectText() override { allSelected_ = true; }
 
     Press press() override;
@@ -28,6 +28,7 @@ private:
     port::TextFieldClient& field_;
     port::TextFieldLook look_;
     std::string text_;
+    bool enabled_ = true;
     bool editable_ = false;
     bool selectable_ = false;
     bool allSelected_ = false;

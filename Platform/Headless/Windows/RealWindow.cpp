@@ -88,9 +88,12 @@ void RealWindow::focus(View* view) {
 
 void RealWindow::setKey(bool nowKey) {
     if (nowKey == key_) return;
+    const std::weak_ptr<bool> here = alive;
+    auto& platform = system; // whoever loses the keyboard may take this window away
     if (nowKey)
-        for (auto* other : std::vector(system.windows))
-            if (other != this && system.has(other)) other->setKey(false);
+        for (auto* other : std::vector(platform.windows))
+            if (other != this && platform.has(other)) other->setKey(false);
+    if (here.expired()) return;
     key_ = nowKey;
     client->peerKeyChanged(key_);
 }
@@ -107,6 +110,11 @@ void RealWindow::showAsSheet(port::WindowPeer& parent) {
     show(true);
 }
 
+void RealWindow::endSheet() {
+    RealWindow* const parent = std::exchange(sheetParent, nullptr);
+    if (parent && key_) parent->setKey(true);
+}
+
 void RealWindow::hide() {
     visible = false;
     modal = 0;
@@ -114,7 +122,7 @@ void RealWindow::hide() {
     const bool wasKey = key_;
     auto& platform = system;
     setKey(false);
-    platform.windowLeaves(*this);
+    if (platform.has(this)) platform.windowLeaves(*this);
     if (wasKey) platform.giveKeyBack();
 }
 

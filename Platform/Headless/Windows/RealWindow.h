@@ -38,7 +38,7 @@ public:
     // The peer
     void show(bool activate) override;
     void showAsSheet(port::WindowPeer& parent) override;
-    void endSheet() override { sheetParent = nullptr; }
+    void endSheet() override;
     void hide() override;
     void close() override { client->peerClosed(); }
     void setTitle(const std::string& title) override { title_ = title; }

@@ -120,8 +120,10 @@ void WindowPeer::showAsSheet(port::WindowPeer& parent) {
     widget->edge->show();
     if (!over) widget->setWindowModality(Qt::ApplicationModal);
     widget->winId(); // there is a window from here on
+    if (widget->sheetParent) widget->sheetParent->removeEventFilter(widget);
+    widget->sheetParent = over;
+    widget->parentBlock.reset();
     if (over) {
-        widget->sheetParent = over;
         widget->windowHandle()->setTransientParent(over->windowHandle());
         over->installEventFilter(widget);
         widget->placeSheet();

@@ -137,6 +137,15 @@ TEST_F(LoadingSheet, EndingClearsTheProgressKeepsTheTipAndGivesTheWindowBack) {
     EXPECT_TRUE(platform_->windows()[0]->closeByUser());
 }
 
+TEST_F(LoadingSheet, AControllerThatGoesTakesItsSheetAlong) {
+    start("Saving");
+    const std::weak_ptr<NSWindow> window = loading_->window();
+    loading_.reset();
+    EXPECT_EQ(parent_->attachedSheet(), nullptr);
+    EXPECT_TRUE(window.expired());
+    EXPECT_TRUE(platform_->windows()[0]->closeByUser());
+}
+
 TEST_F(LoadingSheet, ItCanBeUsedAgainAndBeginsAtTheBeginning) {
     start("first");
     loading_->updateProgress_ing(0.5, "half");
