@@ -35,9 +35,11 @@ void ProgressSliderView::mouseDown(const NSEvent& press) {
     constexpr NSEventMask kDragOrRelease = NSEventMaskLeftMouseUp | NSEventMaskLeftMouseDragged;
     // The delegate may take the view out of its window, or let go of it, at any step.
     const auto held = retained(this);
-    const auto nextEvent = [this]() -> std::optional<NSEvent> {
-        const auto window = retained(this->window());
-        return window ? window->nextEventMatchingMask(kDragOrRelease) : std::nullopt;
+    // In another window there is no such press.
+    const auto window = retained(this->window());
+    const auto nextEvent = [&]() -> std::optional<NSEvent> {
+        return window && this->window() == window.get() ? window->nextEventMatchingMask(kDragOrRelease)
+                                                        : std::nullopt;
     };
     mouseDownAt(convertPoint_fromView(press.locationInWindow(), nullptr));
     bDraggingLeftClip_ = false;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "HeldClient.h"
 #include "InstalledSystem.h"
+#include "WindowMouse.h"
 
 #include <AppKit/DrawingSystem.h>
 #include <AppKit/NSApplication.h>
@@ -184,8 +185,19 @@ std::optional<NSEvent> NSApplication::takeEvent(NSEventMask mask) {
         events, [mask](const Waiting& waiting) { return (mask >> waiting.event.type() & 1) != 0; });
     if (found == events.end()) return std::nullopt;
     std::optional<NSEvent> event = std::move(found->event);
+    const auto window = found->window.lock();
     events.erase(found);
+    if (event->type() == NSEventTypeLeftMouseUp && window) window->mouse_->wasReleased();
     return event;
+}
+
+// The release that a pull waits for has gone elsewhere where the next press is here already.
+bool NSApplication::anotherPressComesFirst(NSEventMask mask) const {
+    for (const auto& waiting : tracking_->events) {
+        if ((mask >> waiting.event.type() & 1) != 0) return false;
+        if (waiting.event.type() == NSEventTypeLeftMouseDown) return true;
+    }
+    return false;
 }
 
 std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask mask) {
@@ -201,7 +213,7 @@ std::optional<NSEvent> NSApplication::nextEvent(NSWindow& window, NSEventMask ma
     std::optional<NSEvent> event;
     ++tracking_->pulls;
     do {
-        if (terminating_ || window.cancellations_ != cancellations) break;
+        if (terminating_ || window.cancellations_ != cancellations || anotherPressComesFirst(mask)) break;
         event = takeEvent(mask);
     } while (!event && tracking_->loop->wait());
     --tracking_->pulls;

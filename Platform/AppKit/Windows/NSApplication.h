@@ -121,6 +121,7 @@ private:
     bool deliver(NSWindow& window, const NSEvent& event);
     std::optional<NSEvent> nextEvent(NSWindow& window, NSEventMask mask);
     std::optional<NSEvent> takeEvent(NSEventMask mask);
+    bool anotherPressComesFirst(NSEventMask mask) const;
     // A session for a window, or for none of ours, from when `begin` shows it and as long as it is shown.
     int runModal(const std::shared_ptr<NSWindow>& window,
                  const std::function<std::unique_ptr<port::TrackingLoop>()>& begin,

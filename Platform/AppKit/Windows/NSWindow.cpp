@@ -352,6 +352,7 @@ std::optional<NSEvent> NSWindow::nextEventMatchingMask(NSEventMask mask) {
 
 void NSWindow::cancelTracking() {
     ++cancellations_;
+    mouse_->endPress();
     if (!installedSystem()) return;
     NSApplication::sharedApplication().wakeTracking();
     NSApplication::sharedApplication().wakeModal();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "WindowMouse.h"
 
+#include <utility>
+
 namespace zr {
 
 namespace {
@@ -67,11 +69,15 @@ void WindowMouse::send(const NSEvent& event, Button button, NSView& content) {
     auto& pressed = pressed_[button];
     if (phase == Phase::press) {
         pressed = retained(content.hitTest(event.locationInWindow()));
+        pressLives_ = true;
         pressWasEnded_ = false;
     }
     if (button == left) lastPress_ = event.locationInWindow();
     const auto view = pressed.lock();
-    if (phase == Phase::release) pressed.reset();
+    if (phase == Phase::release) {
+        pressed.reset();
+        pressLives_ = false;
+    }
     if (!view) return;
     const bool takesFocus = event.type() == NSEventTypeLeftMouseDown && view->acceptsFirstResponder();
     if (takesFocus && view.get() != &focus_.first() && !focus_.makeFirst(view.get())) {
@@ -83,9 +89,18 @@ void WindowMouse::send(const NSEvent& event, Button button, NSView& content) {
 
 std::shared_ptr<NSView> WindowMouse::endPresses() {
     auto view = pressed_[left].lock();
-    if (view) pressWasEnded_ = true;
+    endPress();
     for (auto& pressed : pressed_) pressed.reset();
     return view;
+}
+
+void WindowMouse::wasReleased() {
+    pressLives_ = false;
+    pressed_[left].reset();
+}
+
+void WindowMouse::endPress() {
+    if (std::exchange(pressLives_, false)) pressWasEnded_ = true;
 }
 
 void WindowMouse::release(NSView& view) const {

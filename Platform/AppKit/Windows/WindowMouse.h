@@ -22,7 +22,10 @@ public:
 
     // As where the left button was last seen down.
     void release(NSView& view) const;
-    bool pressWasEnded() const { return pressWasEnded_; } // until the next press
+    // A press lives until its release, be that handled here or pulled.
+    void wasReleased();
+    void endPress();                                      // otherwise; views still get its release
+    bool pressWasEnded() const { return pressWasEnded_; } // so, until the next press
 
 private:
     enum Button : std::size_t { left, right, other };
@@ -31,6 +34,7 @@ private:
     WindowFocus& focus_;
     std::array<std::weak_ptr<NSView>, 3> pressed_; // by button
     NSPoint lastPress_;                            // where the left button was last seen down
+    bool pressLives_ = false;
     bool pressWasEnded_ = false;
 };
 

@@ -5,6 +5,11 @@
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/ProgressSliderView.h>
 
+#include <functional>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
 namespace zr {
 
 using testing::ElementsAre;
@@ -237,6 +242,90 @@ TEST_F(ProgressSliderViewTracking, TheLoopEndsWhenTheSliderLeavesItsWindow) {
 TEST_F(ProgressSliderViewTracking, TheLoopEndsWhenTheApplicationEnds) {
     then([&] { NSApplication::sharedApplication().terminate(nullptr); }, [&] { FAIL() << "still waiting"; });
     user_->mouseDown({150, 15});
+}
+
+namespace {
+
+// Does something in the middle of a message.
+struct Interrupter : test::SliderRecorder {
+    void sliderView_beginDragAt(BaseSliderView& view, double value) override {
+        SliderRecorder::sliderView_beginDragAt(view, value);
+        if (const auto act = std::exchange(onBegin, nullptr)) act();
+    }
+    void sliderView_didChangeValue(BaseSliderView& view, double value) override {
+        SliderRecorder::sliderView_didChangeValue(view, value);
+        if (const auto act = std::exchange(onChange, nullptr)) act();
+    }
+    std::function<void()> onBegin, onChange;
+};
+
+} // namespace
+
+// What ends a press within a message of the delegate ends the loop when it goes on; the next press is whole.
+TEST_F(ProgressSliderViewTracking, WhatEndsThePressWithinAMessageEndsTheLoop) {
+    const auto other =
+        make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer, test::kSliderFrame,
+                       NSWindowStyleMaskTitled | NSWindowStyleMaskClosable, NSBackingStoreBuffered, false);
+    window_->setTitle("main");
+    other->makeKeyAndOrderFront(nullptr);
+    const auto mainWindow = [&]() -> headless::Window& {
+        for (auto* const window : platform_.windows())
+            if (window->title() == "main") return *window;
+        throw std::logic_error("no main window");
+    };
+    const std::vector<std::pair<const char*, std::function<void()>>> endings = {
+        {"hidden and shown",
+         [&] {
+             slider_->setHidden(true);
+             slider_->setHidden(false);
+         }},
+        {"taken out and added again",
+         [&] {
+             slider_->removeFromSuperview();
+             parent_->addSubview(slider_);
+         }},
+        {"moved to another window", [&] { other->contentView()->addSubview(slider_); }},
+        {"its window closed and shown",
+         [&] {
+             window_->close();
+             window_->makeKeyAndOrderFront(nullptr);
+         }},
+        {"a dialog", [&] {
+             platform_.script([&] { NSApplication::sharedApplication().stopModal(); });
+             const auto dialog = make<NSWindow>(&NSWindow::initWithContentRect_styleMask_backing_defer,
+                                                NSMakeRect(0, 0, 50, 50), NSWindowStyleMaskTitled,
+                                                NSBackingStoreBuffered, false);
+             NSApplication::sharedApplication().runModalForWindow(*dialog);
+             dialog->close();
+         }}};
+    for (const bool atBegin : {true, false}) {
+        for (const auto& [name, ending] : endings) {
+            SCOPED_TRACE(std::string(name) + (atBegin ? " at the beginning" : " in a step"));
+            const auto interrupter = std::make_shared<Interrupter>();
+            slider_->setDelegate(interrupter);
+            (atBegin ? interrupter->onBegin : interrupter->onChange) = ending;
+            if (!atBegin) then([&] { mainWindow().mouseDragged({60, 15}); });
+            mainWindow().mouseDown({150, 15});
+            EXPECT_FALSE(platform_.starved()) << "it waits for a release that never comes";
+
+            if (slider_->window() != window_.get()) parent_->addSubview(slider_);
+            mainWindow().mouseUp({150, 15});
+            interrupter->taken();
+            then([&] { mainWindow().mouseDragged({60, 15}); }, [&] { mainWindow().mouseUp({60, 15}); });
+            mainWindow().mouseDown({150, 15});
+            EXPECT_THAT(interrupter->taken(), ElementsAre("begin 700", "change 250", "end 250"));
+        }
+    }
+}
+
+TEST_F(ProgressSliderViewTracking, APressWhoseReleaseWentElsewhereEndsWithTheNextPress) {
+    then([&] {
+        user_->mouseDragged({60, 15});
+        user_->mouseDown({110, 15}); // no release came
+        user_->mouseUp({110, 15});
+    });
+    user_->mouseDown({150, 15});
+    EXPECT_THAT(messages(), ElementsAre("begin 700", "change 250", "begin 500", "end 500"));
 }
 
 namespace {
