@@ -5,6 +5,7 @@
 #include <Foundation/NSObject.h>
 
 #include <exception>
+#include <functional>
 #include <type_traits>
 
 namespace zr {
@@ -36,13 +37,14 @@ public:
 protected:
     // A call from below.
     template <class Act>
-    auto entered(const Act& act) const {
+    std::invoke_result_t<Act> entered(const Act& act) const {
         const auto held = retained(&self);
         return contained(self, act);
     }
+    // (By std::invoke: a call through a captured pointer is miscompiled by g++ 12 under the sanitizers.)
     template <class Result, class... Parameters, class... Arguments>
     Result entered(Result (Object::*act)(Parameters...), const Arguments&... arguments) const {
-        return entered([&] { return (self.*act)(arguments...); });
+        return entered([&]() -> Result { return std::invoke(act, self, arguments...); });
     }
 
     template <class Act>

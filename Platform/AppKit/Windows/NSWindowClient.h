@@ -10,6 +10,7 @@
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSView.h>
 #include <AppKit/NSWindow.h>
+#include <WindowSystem/Windows.h>
 
 namespace zr {
 
