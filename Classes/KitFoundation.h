@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace zr {
@@ -55,7 +56,8 @@ void KitLogInfo(const LogPlace& place, std::string_view format, const Arguments&
                                                                 format, arguments...);
 }
 
-// Queue patterns. Blocks hold the objects they use.
+// Queue patterns. Blocks hold the objects they use; one that is null throws std::invalid_argument where it is
+// given.
 
 // Runs the block on the main queue, after what is there already.
 ZR_EXPORT void OnMainQueue(dispatch_block_t block);
@@ -68,6 +70,8 @@ ZR_EXPORT bool RepostedToMainQueue(dispatch_block_t block);
 // there, too: views must not end on another thread.
 template <class Work, class Done>
 void InBackground(Work work, Done done) {
+    if constexpr (requires { typename Work::result_type; }) // a std::function
+        if (!work) throw std::invalid_argument("InBackground: there is no work");
     dispatch_async(dispatch_get_global_queue(0, 0), [work = std::move(work), done = std::move(done)]() mutable {
         auto result = work();
         OnMainQueue([result = std::move(result), work = std::move(work), done = std::move(done)]() mutable {

@@ -3,6 +3,8 @@
 
 // The whole kit, and the layer that it is written for.
 #include <AppKit/AppKit.h>
+#include <HostLibraries/DDLog.h>
+#include <HostLibraries/GlobalFun.h>
 #include <ZRUIKit/BaseSliderView.h>
 #include <ZRUIKit/KitFoundation.h>
 #include <ZRUIKit/KitVersion.h>

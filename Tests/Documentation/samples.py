@@ -118,5 +118,11 @@ def names(source):
         if not wanted or missing:
             sys.exit(f"{page} lacks {', '.join(missing)}" if wanted else f"nothing was found that {page} could list")
 
+    packages = re.search(r"packages=\(\n(.*?)\n\)", (source / "scripts/setup").read_text(), re.DOTALL)[1]
+    page = (source / "Documentation/dependencies.md").read_text()
+    unnamed = [name for name in re.sub(r"#.*", "", packages).split() if f"`{name}`" not in page]
+    if unnamed:
+        sys.exit(f"dependencies.md lacks {', '.join(unnamed)}")
+
 
 {"generate": generate, "run": run, "names": names}[sys.argv[1]](*sys.argv[2:])

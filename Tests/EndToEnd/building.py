@@ -7,6 +7,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -23,7 +24,7 @@ def run(*command, folder=None, **environment):
 
 
 def configure(project, build, *options, **environment):
-    run("cmake", "-S", project, "-B", build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
+    run("cmake", "-S", project, "-B", build, "-G", "Ninja", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
         "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", *options, **environment)
 
 
@@ -57,14 +58,7 @@ install(TARGETS host)
     assert len(installed) == 1 and '"/host"' in installed[0].replace(str(build), ""), f"the kit installs itself: {installed}"
 
 
-def static(folder):
-    """One program with the kit and Headless in it, and nothing to be found beside it but the kit's pictures and texts."""
-    build, prefix = folder / "build", folder / "prefix"
-    configure(source, build, "-DBUILD_SHARED_LIBS=OFF", "-DZRUIKIT_QT=OFF", "-DZRUIKIT_TESTS=OFF", f"-DCMAKE_INSTALL_PREFIX={prefix}")
-    run("ninja", "-C", build)
-    run("cmake", "--install", build)
-    assert not list(prefix.rglob("*.so*")), "a static build has shared libraries"
-    (folder / "host.cpp").write_text("""#include <AppKit/NSImage.h>
+HOST = """#include <AppKit/NSImage.h>
 #include <ZRUIKit/ZRUIKit.h>
 #include <ZRUIKitHeadless/Headless.h>
 #include <cstdio>
@@ -72,27 +66,62 @@ int main() {
     const zr::headless::Platform platform;
     const auto slider = zr::make<zr::SplitSliderView>(zr::NSMakeRect(0, 0, 600, 61));
     const auto picture = zr::KitImage("SliderTrimLeft");
-    std::printf("%s %d %s %g\\n", zr::KitLocalizedString("Cancel").c_str(), picture != nullptr,
+    std::printf("%s %d %s %g\\n", zr::KitLocalizedString("Got it").c_str(), picture != nullptr,
                 slider->selectionItem() ? "slider" : "nothing", ZRUIKitVersionNumber);
 }
-""")
-    (folder / "CMakeLists.txt").write_text("""cmake_minimum_required(VERSION 3.25)
+"""
+HOST_SAYS = "Got it 1 slider 1\n"
+
+
+def static(folder):
+    """A project that has the kit and Headless within its program, built with it and then installed; another one that takes the
+    installed libraries, and a compiler that is told of them by pkg-config. All find the kit's pictures."""
+    whole, build, prefix = folder / "whole", folder / "whole/build", folder / "prefix"
+    whole.mkdir()
+    (whole / "ZRUIKit").symlink_to(source)
+    (whole / "host.cpp").write_text(HOST)
+    (whole / "CMakeLists.txt").write_text("""cmake_minimum_required(VERSION 3.25)
 project(whole LANGUAGES CXX)
-find_package(ZRUIKit 1 REQUIRED COMPONENTS Headless)
+set(BUILD_SHARED_LIBS OFF)
+set(ZRUIKIT_QT OFF)
+set(ZRUIKIT_INSTALL ON)
+add_subdirectory(ZRUIKit)
 add_executable(host host.cpp)
 target_link_libraries(host PRIVATE ZRUIKit::Headless)
 install(TARGETS host)
 """)
-    configure(folder, folder / "host", f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_INSTALL_PREFIX={prefix}")
-    run("ninja", "-C", folder / "host", "install")
-    said = run(prefix / "bin/host", LC_ALL="C.UTF-8", LANGUAGE="en")
-    assert said == "Cancel 1 slider 1\n", said
-    assert "ZRUIKit" not in run("ldd", prefix / "bin/host")
-    # The same by pkg-config.
+
+    def says(program):
+        said = run(program, LC_ALL="C.UTF-8", LANGUAGE="en")
+        assert said == HOST_SAYS, f"{program} says {said}"
+        assert "ZRUIKit" not in run("ldd", program)
+
+    configure(whole, build, f"-DCMAKE_INSTALL_PREFIX={prefix}")
+    run("ninja", "-C", build)
+    says(build / "host")
+    assert not (build / "CPackConfig.cmake").exists(), "the kit packs another's project"
+    run("cmake", "--install", build)
+    assert not list(prefix.rglob("*.so*")), "a static build has shared libraries"
+    shutil.rmtree(build / "ZRUIKit")
+    says(prefix / "bin/host")
+
+    other = folder / "other"
+    other.mkdir()
+    (other / "host.cpp").write_text(HOST)
+    (other / "CMakeLists.txt").write_text("""cmake_minimum_required(VERSION 3.25)
+project(other LANGUAGES CXX)
+find_package(ZRUIKit 1 REQUIRED COMPONENTS Headless OPTIONAL_COMPONENTS Qt)
+add_executable(other_host host.cpp)
+target_link_libraries(other_host PRIVATE ZRUIKit::Headless)
+install(TARGETS other_host)
+""")
+    configure(other, other / "build", f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_INSTALL_PREFIX={prefix}")
+    run("ninja", "-C", other / "build", "install")
+    says(prefix / "bin/other_host")
     flags = run("pkg-config", "--cflags", "--libs", "zruikit-headless",
                 PKG_CONFIG_PATH=str(next(prefix.rglob("pkgconfig")))).split()
-    run("g++", "-std=c++20", folder / "host.cpp", "-o", prefix / "bin/by_pkg_config", *flags)
-    assert run(prefix / "bin/by_pkg_config", LC_ALL="C.UTF-8", LANGUAGE="en") == said
+    run("g++", "-std=c++20", other / "host.cpp", "-o", prefix / "bin/by_pkg_config", *flags)
+    says(prefix / "bin/by_pkg_config")
 
 
 with tempfile.TemporaryDirectory(prefix="zruikit-building-") as name:

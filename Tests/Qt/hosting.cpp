@@ -698,6 +698,25 @@ TEST_F(QtHosting, AViewThatIsEmbeddedAgainMovesToTheNewWidget) {
     EXPECT_THAT(logged([&] { third.reset(embed(view)); }), testing::IsEmpty()) << "the one before has gone";
 }
 
+TEST_F(QtHosting, AViewThatWasPutElsewhereIsNoMoreThatOfItsWidget) {
+    const auto view = pad();
+    QWidget* const first = embed(view);
+    layout_->addWidget(first);
+    showHost();
+    const auto box = make<NSView>(NSMakeRect(0, 0, 100, 100));
+    box->addSubview(view);
+    EXPECT_FALSE(viewOf(first));
+    EXPECT_EQ(first->sizeHint(), QSize());
+    QWidget* const second = embed(view);
+    layout_->addWidget(second);
+    settle();
+    EXPECT_FALSE(viewOf(first));
+    EXPECT_EQ(viewOf(second), view);
+    view->accepts = true;
+    first->setFocus();
+    EXPECT_NE(windowOf(host_)->firstResponder(), view.get());
+}
+
 TEST_F(QtHosting, TheContentOfAWindowOfTheKitThatIsEmbeddedLeavesIt) {
     const auto view = pad();
     window_ = make<NSWindow>();

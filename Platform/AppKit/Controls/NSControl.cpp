@@ -35,7 +35,7 @@ bool NSControl::sendAction_to(const SEL& action, NSObject* target) {
     if (action.empty()) return false;
     const auto held = retained(this);
     // A target that is gone takes nothing, and the chain is not asked in its place.
-    const bool gone = !target && hasTarget_;
+    const bool gone = !target && hasTarget_ && target_.expired();
     if (!gone && NSApplication::sharedApplication().sendAction_to_from(action, target, this)) return true;
     NSLog("Nobody takes %@ of %@: %@", action, held,
           target ? stringWithFormat("its target, %@, does not have it", target)

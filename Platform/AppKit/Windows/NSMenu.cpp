@@ -28,7 +28,7 @@ bool NSMenuItem::initWithTitle_action_keyEquivalent(const std::string& title, co
 void NSMenuItem::setTarget(const Unretained<NSObject>& target) {
     target_ = target.givenTo("-[NSMenuItem setTarget:]");
     const auto now = this->target();
-    if (now && !action_.empty() && !now->respondsToSelector(action_))
+    if (target.isHeld() && now && !action_.empty() && !now->respondsToSelector(action_))
         NSLog("-[NSMenuItem setTarget:]: nobody takes %@ of \"%@\": %@ does not have it", action_, title_, now);
 }
 

@@ -60,7 +60,7 @@ public:
     const std::vector<std::shared_ptr<NSView>>& subviews() const { return subviews_; }
     // In front of its siblings. A view that stands elsewhere is moved. Null, and a view that would contain
     // itself, change nothing; the log names both, and a view that was a window's content: that one gets an
-    // empty one.
+    // empty one, unless it is a host's, whose content stays.
     void addSubview(const std::shared_ptr<NSView>& view);
     void removeFromSuperview();
     bool isDescendantOf(const NSView& view) const;

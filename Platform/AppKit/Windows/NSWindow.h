@@ -80,7 +80,8 @@ public:
     const std::string& title() const { return title_; }
     void setTitle(const std::string& title);
     NSView* contentView() const { return contentView_.get(); }
-    void setContentView(const std::shared_ptr<NSView>& view); // takes the content's size; nil: an empty view
+    // Takes the content's size; nil: an empty view. The content of a host's window stays, here and there.
+    void setContentView(const std::shared_ptr<NSView>& view);
     std::shared_ptr<NSWindowDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(const Unretained<NSWindowDelegate>& delegate) {
         delegate_ = delegate.givenTo("-[NSWindow setDelegate:]");

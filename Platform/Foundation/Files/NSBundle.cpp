@@ -69,7 +69,12 @@ fs::path mainBundlePath(const backend::InstalledHost& installed) {
 
 // The kit's resources lie at a fixed place relative to its library.
 fs::path kitBundlePath(const backend::Program& program) {
-    return (program.library.parent_path() / ZRUIKIT_RESOURCES_FROM_OWN_PLACE).lexically_normal();
+    fs::path place = (program.library.parent_path() / ZRUIKIT_RESOURCES_FROM_OWN_PLACE).lexically_normal();
+#ifdef ZRUIKIT_BUILT_RESOURCES
+    std::error_code error;
+    if (!fs::exists(place, error)) place = ZRUIKIT_BUILT_RESOURCES;
+#endif
+    return place;
 }
 
 struct Bundles : backend::Part {

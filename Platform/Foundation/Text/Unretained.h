@@ -37,6 +37,7 @@ public:
 
     // Whether it is an object, be it gone, rather than null.
     bool isGiven() const { return given_; }
+    bool isHeld() const { return held_; } // by somebody else
     // What the setter, "-[Class setDelegate:]", is to keep.
     const std::weak_ptr<T>& givenTo(std::string_view setter) const {
         if (given_ && !held_) detail::logHeldByNobody(setter);

@@ -112,7 +112,8 @@ struct Options {
     bool menusInWindows = true; // or one menu bar for all
 };
 
-// Installed while it lives; at most one at a time.
+// Installed while it lives; at most one at a time, whatever the adaptor: beside another it throws
+// std::logic_error.
 class ZR_EXPORT Platform {
 public:
     explicit Platform(Options options = {});

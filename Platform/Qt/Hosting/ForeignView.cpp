@@ -31,42 +31,41 @@ namespace {
 QSizePolicy::Policy policy(bool flexible) { return flexible ? QSizePolicy::Expanding : QSizePolicy::Preferred; }
 } // namespace
 
-SlotWidget::SlotWidget(std::shared_ptr<NSView> view, QWidget* parent)
-    : QWidget(parent), view_(std::move(view)) {
+SlotWidget::SlotWidget(const std::shared_ptr<NSView>& view, QWidget* parent) : QWidget(parent) {
     const auto slot = make<SlotView>(&SlotView::initWithWidget, this);
-    if (!view_) NSLog("zr::qt::embed: the view is null, and the widget stays empty");
-    if (view_) {
-        leavePlaceBefore();
-        const NSSize size = view_->frame().size;
+    slot_ = slot;
+    if (!view) NSLog("zr::qt::embed: the view is null, and the widget stays empty");
+    if (view) {
+        if (dynamic_cast<SlotView*>(view->superview()))
+            NSLog("zr::qt::embed: %@ is embedded already; it moves to the new widget", view);
+        const NSSize size = view->frame().size;
         sizeHint_ = QSize(qRound(size.width), qRound(size.height));
         resize(sizeHint_);
-        const unsigned mask = view_->autoresizingMask();
+        const unsigned mask = view->autoresizingMask();
         setSizePolicy(policy(mask & NSViewWidthSizable), policy(mask & NSViewHeightSizable));
-        slot->addSubview(view_);
-        view_->setFrameOrigin(NSZeroPoint);
+        slot->addSubview(view);
+        if (view->superview() == slot.get()) view->setFrameOrigin(NSZeroPoint);
     }
     new Follower(this, slot);
 }
 
-void SlotWidget::leavePlaceBefore() {
-    const auto* const slot = dynamic_cast<SlotView*>(view_->superview());
-    auto* const before = dynamic_cast<SlotWidget*>(slot ? slot->widget() : nullptr);
-    if (!before) return;
-    NSLog("zr::qt::embed: %@ is embedded already; it moves to the new widget", view_);
-    before->view_ = nullptr;
+std::shared_ptr<NSView> SlotWidget::view() const {
+    const auto slot = slot_.lock();
+    return slot && !slot->subviews().empty() ? slot->subviews().front() : nullptr;
 }
 
 // The widgets of the view are let go of, rather than deleted with this: one of their events may be under way.
 SlotWidget::~SlotWidget() { delete Follower::of(this); }
 
 void SlotWidget::focusInEvent(QFocusEvent* event) {
-    NSWindow* const window = view_ ? view_->window() : nullptr;
-    if (!window || !view_->acceptsFirstResponder()) return;
+    const auto embedded = view();
+    NSWindow* const window = embedded ? embedded->window() : nullptr;
+    if (!window || !embedded->acceptsFirstResponder()) return;
     // Backwards, this widget follows its own view.
-    if (event->reason() == Qt::BacktabFocusReason && window->firstResponder() == view_.get())
+    if (event->reason() == Qt::BacktabFocusReason && window->firstResponder() == embedded.get())
         focusPreviousChild();
     else
-        window->makeFirstResponder(view_.get());
+        window->makeFirstResponder(embedded.get());
 }
 
 bool isOfKit(const QWidget* widget) {

@@ -59,19 +59,17 @@ public:
 // Where an embedded view stands.
 class SlotWidget final : public QWidget {
 public:
-    SlotWidget(std::shared_ptr<NSView> view, QWidget* parent);
+    SlotWidget(const std::shared_ptr<NSView>& view, QWidget* parent);
     ~SlotWidget() override;
 
-    const std::shared_ptr<NSView>& view() const { return view_; }
-    QSize sizeHint() const override { return sizeHint_; }
+    std::shared_ptr<NSView> view() const; // null where it has been put elsewhere
+    QSize sizeHint() const override { return view() ? sizeHint_ : QSize(); }
 
 protected:
     void focusInEvent(QFocusEvent* event) override;
 
 private:
-    void leavePlaceBefore();
-
-    std::shared_ptr<NSView> view_;
+    std::weak_ptr<SlotView> slot_; // that the follower holds, and it the view
     QSize sizeHint_;
 };
 

@@ -112,6 +112,12 @@ TEST_F(QueuePatterns, BackgroundWorkHandsItsResultToTheMainThread) {
     EXPECT_THAT(lines, ElementsAre("work background", "result main"));
 }
 
+TEST_F(QueuePatterns, NoWorkIsRefusedAtOnce) {
+    EXPECT_THROW(InBackground(std::function<int()>(), [](int) {}), std::invalid_argument);
+    EXPECT_THROW(OnMainQueue(nullptr), std::invalid_argument);
+    EXPECT_THROW(AfterDelay(1, nullptr), std::invalid_argument);
+}
+
 TEST(QueuePatternsWithAWorker, BackgroundWorkHandsItsResultToTheMainThread) {
     headless::Platform platform(withWorker());
     const auto mainThread = std::this_thread::get_id();
