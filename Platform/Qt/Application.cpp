@@ -30,7 +30,7 @@ bool isSandboxed() {
 
 } // namespace
 
-struct Platform::Parts {
+struct [[gnu::visibility("hidden")]] Platform::Parts {
     explicit Parts(Options options);
     ~Parts();
     // Of the QApplication, while its widgets are still there.
