@@ -22,7 +22,7 @@ namespace zr::qt {
 // changes over when the widget does. A view that is embedded already moves to the new widget and leaves the one
 // before empty, as the widget for null is; the log names both. Its size hint is the size that the view has now;
 // its policy is Expanding where the autoresizing mask says that the size is flexible, Preferred where not.
-ZR_EXPORT QWidget* embed(std::shared_ptr<NSView> view, QWidget* parent = nullptr);
+ZR_EXPORT QWidget* embed(const std::shared_ptr<NSView>& view, QWidget* parent = nullptr);
 
 // The window by which the kit sees the widget's top level: always the same for the same top level. It belongs
 // to the top level, and is among the application's windows from when that is first shown until it closes. Null

@@ -20,7 +20,7 @@ bool NSClipView::isFlipped() const {
 
 void NSClipView::setDocumentView(const std::shared_ptr<NSView>& given) {
     const auto held = retained(this);
-    const auto view = given; // whoever is called may reset where it came from
+    const auto view = retained(given.get()); // whoever is called may reset where it came from
     const auto old = documentView();
     if (view == old) return;
     if (old && old->superview() == this) old->removeFromSuperview();

@@ -84,7 +84,7 @@ NSWindow* NSView::window() const { return host_ ? &host_->window() : nullptr; }
 
 void NSView::addSubview(const std::shared_ptr<NSView>& given) {
     const auto held = retained(this);
-    const auto view = given; // whoever is called may reset where it came from
+    const auto view = retained(given.get()); // whoever is called may reset where it came from
     if (!view || isDescendantOf(*view)) {
         NSLog("-[NSView addSubview:]: %@", view ? "the view would contain itself" : "the view is null");
         return;

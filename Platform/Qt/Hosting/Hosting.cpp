@@ -10,9 +10,7 @@
 
 namespace zr::qt {
 
-QWidget* embed(std::shared_ptr<NSView> view, QWidget* parent) {
-    return new SlotWidget(std::move(view), parent);
-}
+QWidget* embed(const std::shared_ptr<NSView>& view, QWidget* parent) { return new SlotWidget(view, parent); }
 
 NSWindow* windowOf(QWidget* widget) {
     HostWindow* const host = widget ? HostWindow::of(widget->window()) : nullptr;
