@@ -132,6 +132,17 @@ TEST_F(Lives, AViewThatLeavesAsItArrivesHasNoPeer) {
     EXPECT_EQ(std::ranges::count(names, "mover"), 1);
 }
 
+TEST_F(Lives, AViewThatASiblingTakesOutAsItArrivesIsInNoWindow) {
+    const auto outer = make<NSView>(NSMakeRect(100, 0, 50, 50)), later = make<NSView>(NSZeroRect);
+    const auto mover = make<Mover>(NSZeroRect);
+    outer->addSubview(mover);
+    outer->addSubview(later);
+    mover->onArrival = [&] { later->removeFromSuperview(); };
+    root_->addSubview(outer);
+    EXPECT_FALSE(later->superview());
+    EXPECT_FALSE(later->window());
+}
+
 TEST_F(Lives, WhatAddsAViewMayBeResetMeanwhile) {
     const auto other = make<NSView>(NSMakeRect(100, 0, 100, 100));
     root_->addSubview(other);
