@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Mistakes of a program: each is one line, or an exception that says what is wrong, and does no harm.
 #include "Support/LoggedTexts.h"
+#include "Support/WhatIsThrown.h"
 #include "WindowTest.h"
 
 #include <AppKit/NSAlert.h>
@@ -19,6 +20,7 @@
 namespace zr {
 
 using test::logged;
+using test::whatIsThrown;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -29,15 +31,6 @@ namespace {
 std::string withoutAPlatform(const std::string& method) {
     return method + " does nothing: there is no platform (zr::qt::Platform, zr::qt::Application or "
                     "zr::headless::Platform)";
-}
-
-std::string whatIsThrown(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const std::logic_error& error) {
-        return error.what();
-    }
-    return "nothing";
 }
 
 class Saver : public NSView {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Platforms that are made, or go, when they cannot. Each test has a QApplication of its own, or none.
+#include "Support/WhatIsThrown.h"
+
 #include <AppKit/NSApplication.h>
 #include <AppKit/NSTextField.h>
 #include <AppKit/NSWindow.h>
@@ -19,6 +21,7 @@
 
 namespace zr {
 
+using test::whatIsThrown;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -27,15 +30,6 @@ namespace {
 int argumentCount = 1;
 char programName[] = "life";
 char* arguments[] = {programName, nullptr};
-
-std::string whatIsThrown(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const std::logic_error& error) {
-        return error.what();
-    }
-    return "nothing";
-}
 
 std::shared_ptr<NSWindow> shownWindow() {
     auto window =
